@@ -1,0 +1,33 @@
+/// @file
+/// The Aastra status document.
+#pragma once
+
+#include <teleform/aastra/soft_keys.h>
+#include <teleform/core/documents.h>
+
+#include <string>
+
+/// A status message and soft keys; of the attribute flags it writes the beep alone. Its title is
+/// empty and not written. Before the first `SetMessage` it is a plain message with index 0, whose
+/// session and text are empty.
+class TELEFORM_EXPORT AastraIPPhoneStatus : public IPPhoneStatusXML, public AastraIPPhone {
+ public:
+  AastraIPPhoneStatus();
+  ~AastraIPPhoneStatus() override;
+
+  /// Numbers are written as `NumberToString` writes them.
+  void Render(std::string& out) override;
+  void SetMessage(const std::string& session, const std::string& message, int index, MsgType type,
+                  int timeout) override;
+
+ private:
+  struct Message {
+    MsgType type = MsgTypeNormal;
+    std::string session;
+    std::string text;
+    int index = 0;
+    int timeout = 0;
+  };
+
+  Message message;
+};

@@ -1,0 +1,19 @@
+#include <teleform/aastra/elements.h>
+#include <teleform/aastra/text_screen.h>
+
+AastraIPPhoneTextScreen::AastraIPPhoneTextScreen(const std::string& theTitle)
+    : IPPhoneTextScreenXML(theTitle.c_str()) {}
+
+AastraIPPhoneTextScreen::~AastraIPPhoneTextScreen() = default;
+
+void AastraIPPhoneTextScreen::SetText(const std::string& theText) { text = theText; }
+
+void AastraIPPhoneTextScreen::Render(std::string& out) {
+  using namespace teleform;
+  Append(out,
+         Line("<AastraIPPhoneTextScreen", AastraFlags(destroyOnExit, beep), ">\n"),
+         Line("<Title>", title, "</Title>\n"),
+         Line("<Text>", UpToNul(text), "</Text>\n"),
+         Each(softKeys, AastraSoftKeyItem),
+         "</AastraIPPhoneTextScreen>\n");
+}

@@ -1,0 +1,24 @@
+/// @file
+/// The Aastra text screen.
+#pragma once
+
+#include <teleform/aastra/soft_keys.h>
+#include <teleform/core/documents.h>
+
+#include <string>
+
+/// A title, one block of text and soft keys; writes both attribute flags.
+class TELEFORM_EXPORT AastraIPPhoneTextScreen : public IPPhoneTextScreenXML, public AastraIPPhone {
+ public:
+  /// @param title ends at its first NUL.
+  explicit AastraIPPhoneTextScreen(const std::string& title);
+  ~AastraIPPhoneTextScreen() override;
+
+  void Render(std::string& out) override;
+
+  /// Replaces the text. It is stored whole and written up to its first NUL.
+  void SetText(const std::string& text) override;
+
+ private:
+  std::string text;
+};

@@ -1,0 +1,133 @@
+// How text is appended: a document lists its pieces once, in the order in which the phone reads
+// them, and the list serves twice. First the sizes of all pieces are added up and room is made in
+// the caller's string, the only step that can fail; then the pieces are copied. That way a
+// rendering is one allocation at most, runs at nearly the speed of copying memory, and is all or
+// nothing.
+//
+// A piece is text (a literal, a string or a string view), a group of pieces made by Pieces(),
+// Line() or When(), or a list of elements made by Each(). Pieces only refer to their text.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+
+namespace teleform {
+
+template <typename... Piece>
+struct Group {
+  bool written;
+  std::tuple<Piece...> pieces;
+};
+
+template <typename List, typename Element>
+struct Elements {
+  const List& list;
+  Element element;
+};
+
+template <typename T>
+using PieceOf =
+    std::conditional_t<std::is_convertible_v<const T&, std::string_view>, std::string_view, T>;
+
+// Pieces that are written only under a condition, such as an attribute.
+template <typename... T>
+Group<PieceOf<T>...> When(bool condition, const T&... piece) {
+  return {condition, {piece...}};
+}
+
+// Pieces in a row.
+template <typename... T>
+Group<PieceOf<T>...> Pieces(const T&... piece) {
+  return When(true, piece...);
+}
+
+// Pieces that the document has on one line; they bring their own line feed.
+template <typename... T>
+Group<PieceOf<T>...> Line(const T&... piece) {
+  return When(true, piece...);
+}
+
+// One piece for each item of a list, made of the item by `element`.
+template <typename List, typename Element>
+Elements<List, Element> Each(const List& list, Element element) {
+  return {list, element};
+}
+
+// What the phone is to see of a text that a NUL ends.
+inline std::string_view UpToNul(const std::string& text) { return text.c_str(); }
+
+inline std::size_t Size(std::string_view text) { return text.size(); }
+
+template <typename... Piece>
+std::size_t Size(const Group<Piece...>& group) {
+  if (!group.written) return 0;
+  return std::apply([](const Piece&... piece) { return (Size(piece) + ...); }, group.pieces);
+}
+
+template <typename List, typename Element>
+std::size_t Size(const Elements<List, Element>& elements) {
+  std::size_t size = 0;
+  for (const auto& item : elements.list) size += Size(elements.element(item));
+  return size;
+}
+
+inline char* Copy(char* to, std::string_view text) { return to + text.copy(to, text.size()); }
+
+template <typename... Piece>
+char* Copy(char* to, const Group<Piece...>& group) {
+  if (!group.written) return to;
+  std::apply([&](const Piece&... piece) { ((to = Copy(to, piece)), ...); }, group.pieces);
+  return to;
+}
+
+template <typename List, typename Element>
+char* Copy(char* to, const Elements<List, Element>& elements) {
+  for (const auto& item : elements.list) to = Copy(to, elements.element(item));
+  return to;
+}
+
+// Makes room for `size` more bytes. Growing at least by doubling keeps the appending of thousands
+// of documents to one string linear.
+inline void MakeRoom(std::string& out, std::size_t size) {
+  if (size <= out.capacity() - out.size()) return;
+  if (size > out.max_size() - out.size()) throw std::length_error("document too long for a string");
+  const std::size_t doubled = std::min(out.capacity(), out.max_size() / 2) * 2;
+  out.reserve(std::max(out.size() + size, doubled));
+}
+
+template <typename... T>
+void Append(std::string& out, const T&... piece) {
+  const auto group = Pieces(piece...);
+  const std::size_t size = Size(group);
+  MakeRoom(out, size);
+#ifdef __cpp_lib_string_resize_and_overwrite
+  out.resize_and_overwrite(out.size() + size, [&](char* text, std::size_t end) {
+    Copy(text + end - size, group);
+    return end;
+  });
+#else
+  out.resize(out.size() + size);
+  Copy(out.data() + out.size() - size, group);
+#endif
+}
+
+// Appends a directory. Its entries render themselves, into the room made for the whole document;
+// `element` gives the pieces that an entry of this directory writes for a name and a telephone.
+template <typename Head, typename Entries, typename Element, typename Tail>
+void AppendDirectory(std::string& out, const Head& head, const Entries& entries, Element element,
+                     const Tail& tail) {
+  const auto pieces = [&](const auto& entry) {
+    return element(entry->GetName(), entry->GetTelephone());
+  };
+  MakeRoom(out, Size(head) + Size(Each(entries, pieces)) + Size(tail));
+  Append(out, head);
+  for (const auto& entry : entries) entry->Render(out);
+  Append(out, tail);
+}
+
+}  // namespace teleform

@@ -1,0 +1,38 @@
+#include <teleform/core/elements.h>
+#include <teleform/snom/directory.h>
+
+#include <memory>
+
+SnomIPPhoneDirectoryEntry::SnomIPPhoneDirectoryEntry(const std::string& theName,
+                                                     const std::string& theTelephone)
+    : IPPhoneDirectoryEntry(theName, theTelephone) {}
+
+SnomIPPhoneDirectoryEntry::~SnomIPPhoneDirectoryEntry() = default;
+
+void SnomIPPhoneDirectoryEntry::Render(std::string& out) {
+  teleform::Append(out, teleform::DirectoryEntry(name, telephone));
+}
+
+SnomIPPhoneDirectory::SnomIPPhoneDirectory(const char* theTitle, int theMaxItems)
+    : IPPhoneDirectoryXML(theTitle, theMaxItems) {}
+
+SnomIPPhoneDirectory::~SnomIPPhoneDirectory() = default;
+
+bool SnomIPPhoneDirectory::AppendEntry(const std::string& name, const std::string& telephone) {
+  if (name.empty() || telephone.empty()) return false;
+  entries.push_back(std::make_unique<SnomIPPhoneDirectoryEntry>(name, telephone));
+  return true;
+}
+
+void SnomIPPhoneDirectory::SetPreviousURI(const std::string& /*uri*/) {}
+
+void SnomIPPhoneDirectory::SetNextURI(const std::string& /*uri*/) {}
+
+void SnomIPPhoneDirectory::Render(std::string& out) {
+  using namespace teleform;
+  AppendDirectory(out,
+                  Pieces("<SnomIPPhoneDirectory>\n", Line("<Title>", title, "</Title>\n")),
+                  entries,
+                  DirectoryEntry,
+                  Pieces(Each(softKeys, SoftKeyItem), "</SnomIPPhoneDirectory>\n"));
+}

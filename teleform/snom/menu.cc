@@ -1,0 +1,36 @@
+#include <teleform/core/elements.h>
+#include <teleform/snom/menu.h>
+
+SnomIPPhoneMenuItem::SnomIPPhoneMenuItem(const std::string& thePrompt, const std::string& uri)
+    : prompt(thePrompt), URI(uri) {}
+
+SnomIPPhoneMenuItem::~SnomIPPhoneMenuItem() = default;
+
+void SnomIPPhoneMenuItem::Render(std::string& out) {
+  teleform::Append(out, teleform::DirectoryEntry(prompt, URI));
+}
+
+SnomIPPhoneMenu::SnomIPPhoneMenu(const char* theTitle, int theMaxItems)
+    : IPPhoneMenuXML(theTitle, theMaxItems) {}
+
+SnomIPPhoneMenu::~SnomIPPhoneMenu() = default;
+
+bool SnomIPPhoneMenu::AppendItem(const std::string& prompt, const std::string& uri) {
+  if (prompt.empty() || uri.empty()) return false;
+  items.push_back(std::make_unique<SnomIPPhoneMenuItem>(prompt, uri));
+  return true;
+}
+
+void SnomIPPhoneMenu::SetPreviousURI(const std::string& /*uri*/) {}
+
+void SnomIPPhoneMenu::SetNextURI(const std::string& /*uri*/) {}
+
+void SnomIPPhoneMenu::Render(std::string& out) {
+  using namespace teleform;
+  Append(out,
+         "<SnomIPPhoneDirectory>\n",
+         Line("<Title>", title, "</Title>\n"),
+         MenuItems(items, DirectoryEntry),
+         Each(softKeys, SoftKeyItem),
+         "</SnomIPPhoneDirectory>\n");
+}

@@ -1,0 +1,19 @@
+#include <teleform/core/elements.h>
+#include <teleform/snom/text_screen.h>
+
+SnomIPPhoneTextScreen::SnomIPPhoneTextScreen(const std::string& theTitle)
+    : IPPhoneTextScreenXML(theTitle.c_str()) {}
+
+SnomIPPhoneTextScreen::~SnomIPPhoneTextScreen() = default;
+
+void SnomIPPhoneTextScreen::SetText(const std::string& theText) { text = theText; }
+
+void SnomIPPhoneTextScreen::Render(std::string& out) {
+  using namespace teleform;
+  Append(out,
+         "<SnomIPPhoneText>\n",
+         Line("<Title>", title, "</Title>\n"),
+         Line("<Text>", text, "</Text>\n"),
+         Each(softKeys, SoftKeyItem),
+         "</SnomIPPhoneText>\n");
+}

@@ -1,0 +1,24 @@
+/// @file
+/// The Snom text screen.
+#pragma once
+
+#include <teleform/core/documents.h>
+#include <teleform/snom/soft_keys.h>
+
+#include <string>
+
+/// A title, one block of text and soft keys.
+class TELEFORM_EXPORT SnomIPPhoneTextScreen : public IPPhoneTextScreenXML, public SnomIPPhone {
+ public:
+  /// @param title ends at its first NUL.
+  explicit SnomIPPhoneTextScreen(const std::string& title);
+  ~SnomIPPhoneTextScreen() override;
+
+  void Render(std::string& out) override;
+
+  /// Replaces the text, which is written whole.
+  void SetText(const std::string& text) override;
+
+ private:
+  std::string text;
+};

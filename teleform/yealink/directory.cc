@@ -1,0 +1,38 @@
+#include <teleform/core/elements.h>
+#include <teleform/yealink/directory.h>
+
+#include <memory>
+
+YealinkIPPhoneDirectoryEntry::YealinkIPPhoneDirectoryEntry(const std::string& theName,
+                                                           const std::string& theTelephone)
+    : IPPhoneDirectoryEntry(theName, theTelephone) {}
+
+YealinkIPPhoneDirectoryEntry::~YealinkIPPhoneDirectoryEntry() = default;
+
+void YealinkIPPhoneDirectoryEntry::Render(std::string& out) {
+  teleform::Append(out, teleform::DirectoryEntry(name, telephone));
+}
+
+YealinkIPPhoneDirectory::YealinkIPPhoneDirectory(const char* theTitle, int theMaxItems)
+    : IPPhoneDirectoryXML(theTitle, theMaxItems) {}
+
+YealinkIPPhoneDirectory::~YealinkIPPhoneDirectory() = default;
+
+bool YealinkIPPhoneDirectory::AppendEntry(const std::string& name, const std::string& telephone) {
+  if (name.empty() || telephone.empty()) return false;
+  entries.push_back(std::make_unique<YealinkIPPhoneDirectoryEntry>(name, telephone));
+  return true;
+}
+
+void YealinkIPPhoneDirectory::SetPreviousURI(const std::string& /*uri*/) {}
+
+void YealinkIPPhoneDirectory::SetNextURI(const std::string& /*uri*/) {}
+
+void YealinkIPPhoneDirectory::Render(std::string& out) {
+  using namespace teleform;
+  AppendDirectory(out,
+                  Pieces("<YealinkIPPhoneDirectory>\n", Line("<Title>", title, "</Title>\n")),
+                  entries,
+                  DirectoryEntry,
+                  Pieces(Each(softKeys, SoftKeyItem), "</YealinkIPPhoneDirectory>\n"));
+}

@@ -1,0 +1,37 @@
+/// @file
+/// The Yealink directory and its entry.
+#pragma once
+
+#include <teleform/core/directory_entry.h>
+#include <teleform/core/documents.h>
+#include <teleform/yealink/soft_keys.h>
+
+#include <string>
+
+/// An entry that is written as a `DirectoryEntry` element, both fields whole.
+class TELEFORM_EXPORT YealinkIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
+ public:
+  YealinkIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
+  ~YealinkIPPhoneDirectoryEntry() override;
+
+  void Render(std::string& out) override;
+};
+
+/// A title, entries and soft keys.
+class TELEFORM_EXPORT YealinkIPPhoneDirectory : public IPPhoneDirectoryXML, public YealinkIPPhone {
+ public:
+  /// @param title ends at its NUL; null is the empty title.
+  /// @param maxItems stored, not enforced.
+  YealinkIPPhoneDirectory(const char* title, int maxItems);
+  ~YealinkIPPhoneDirectory() override;
+
+  void Render(std::string& out) override;
+  bool AppendEntry(const std::string& name, const std::string& telephone) override;
+
+  /// @name Page links
+  /// Neither stored nor written.
+  /// @{
+  void SetPreviousURI(const std::string& uri) override;
+  void SetNextURI(const std::string& uri) override;
+  /// @}
+};

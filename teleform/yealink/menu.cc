@@ -1,0 +1,36 @@
+#include <teleform/core/elements.h>
+#include <teleform/yealink/menu.h>
+
+YealinkIPPhoneMenuItem::YealinkIPPhoneMenuItem(const std::string& thePrompt, const std::string& uri)
+    : prompt(thePrompt), URI(uri) {}
+
+YealinkIPPhoneMenuItem::~YealinkIPPhoneMenuItem() = default;
+
+void YealinkIPPhoneMenuItem::Render(std::string& out) {
+  teleform::Append(out, teleform::DirectoryEntry(prompt, URI));
+}
+
+YealinkIPPhoneMenu::YealinkIPPhoneMenu(const char* theTitle, int theMaxItems)
+    : IPPhoneMenuXML(theTitle, theMaxItems) {}
+
+YealinkIPPhoneMenu::~YealinkIPPhoneMenu() = default;
+
+bool YealinkIPPhoneMenu::AppendItem(const std::string& prompt, const std::string& uri) {
+  if (prompt.empty() || uri.empty()) return false;
+  items.push_back(std::make_unique<YealinkIPPhoneMenuItem>(prompt, uri));
+  return true;
+}
+
+void YealinkIPPhoneMenu::SetPreviousURI(const std::string& /*uri*/) {}
+
+void YealinkIPPhoneMenu::SetNextURI(const std::string& /*uri*/) {}
+
+void YealinkIPPhoneMenu::Render(std::string& out) {
+  using namespace teleform;
+  Append(out,
+         "<YealinkIPPhoneDirectory>\n",
+         Line("<Title>", title, "</Title>\n"),
+         MenuItems(items, DirectoryEntry),
+         Each(softKeys, SoftKeyItem),
+         "</YealinkIPPhoneDirectory>\n");
+}

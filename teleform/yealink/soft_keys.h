@@ -1,0 +1,94 @@
+/// @file
+/// The soft keys of Yealink phones.
+#pragma once
+
+#include <teleform/core/export.h>
+
+#include <string>
+#include <vector>
+
+/// The keys that a Yealink phone has. The digits run downwards from 9, after 0.
+enum YealinkSoftKeyCommands : int {
+  YEALINK_SK_CANCEL = 0,
+  YEALINK_SK_ENTER = 1,
+  YEALINK_SK_ONHOOK = 2,
+  YEALINK_SK_RIGHT = 3,
+  YEALINK_SK_LEFT = 4,
+  YEALINK_SK_REDIAL = 5,
+  YEALINK_SK_SPEAKER = 6,
+  YEALINK_SK_TRANSFER = 7,
+  YEALINK_SK_CONFERENCE = 8,
+  YEALINK_SK_HELP = 9,
+  YEALINK_SK_F_MUTE = 10,
+  YEALINK_SK_F_UP = 11,
+  YEALINK_SK_F_DOWN = 12,
+  YEALINK_SK_REC = 13,
+  YEALINK_SK_YEALINK = 14,
+  YEALINK_SK_DND = 15,
+  YEALINK_SK_F_MINIBROWSER_SELECT = 16,
+  YEALINK_SK_F_MINIBROWSER_EXIT = 17,
+  YEALINK_SK_F_MINIBROWSER_UPDATE = 18,
+  YEALINK_SK_F_MINIBROWSER_SEARCH = 19,
+  YEALINK_SK_F_MINIBROWSER_CANCEL = 20,
+  YEALINK_SK_F_MINIBROWSER_BACK = 21,
+  YEALINK_SK_F_MINIBROWSER_DIAL = 22,
+  YEALINK_SK_F_MINIBROWSER_EDIT_DIAL = 23,
+  YEALINK_SK_F_MINIBROWSER_EDIT_NEXT = 24,
+  YEALINK_SK_0 = 25,
+  YEALINK_SK_9 = 26,
+  YEALINK_SK_8 = 27,
+  YEALINK_SK_7 = 28,
+  YEALINK_SK_6 = 29,
+  YEALINK_SK_5 = 30,
+  YEALINK_SK_4 = 31,
+  YEALINK_SK_3 = 32,
+  YEALINK_SK_2 = 33,
+  YEALINK_SK_1 = 34,
+  YEALINK_SK_HASH = 35,
+  YEALINK_SK_STAR = 36,
+};
+
+/// One soft key: the name of the phone's key and the URL that it loads.
+class TELEFORM_EXPORT YealinkSoftKey {
+ public:
+  /// A key with an empty name and an empty URL.
+  YealinkSoftKey();
+  YealinkSoftKey(const YealinkSoftKey& other);
+  YealinkSoftKey(YealinkSoftKey&& other) noexcept;
+  YealinkSoftKey& operator=(const YealinkSoftKey& other);
+  YealinkSoftKey& operator=(YealinkSoftKey&& other) noexcept;
+  virtual ~YealinkSoftKey();
+
+  /// Appends the key's `SoftKeyItem` element, as `IPPhoneXML::Render` appends a document.
+  void Render(std::string& out);
+
+  const std::string& GetName() const noexcept { return name; }
+  const std::string& GetURL() const noexcept { return URL; }
+
+ private:
+  friend class YealinkIPPhone;
+  YealinkSoftKey(const char* name, const char* url);
+
+  std::string name;
+  std::string URL;
+};
+
+/// The soft keys of a Yealink document, which writes them in the order in which they were added,
+/// just before its closing element.
+class TELEFORM_EXPORT YealinkIPPhone {
+ public:
+  YealinkIPPhone();
+  virtual ~YealinkIPPhone();
+  YealinkIPPhone(const YealinkIPPhone&) = delete;
+  YealinkIPPhone& operator=(const YealinkIPPhone&) = delete;
+
+  /// Adds a key behind those that are there, also when one of them has the same command.
+  /// @param command an unknown value gives a key with an empty name.
+  /// @param text the key's URL; it ends at its NUL, and null is the empty URL.
+  /// @return true: nothing is refused.
+  /// @throws std::bad_alloc when memory runs out; nothing is added.
+  bool AddSoftKey(YealinkSoftKeyCommands command, const char* text);
+
+ protected:
+  std::vector<YealinkSoftKey> softKeys;
+};

@@ -1,0 +1,18 @@
+#include <teleform/core/pieces.h>
+#include <teleform/yealink/text_screen.h>
+
+YealinkIPPhoneTextScreen::YealinkIPPhoneTextScreen(const std::string& theTitle)
+    : IPPhoneTextScreenXML(theTitle.c_str()) {}
+
+YealinkIPPhoneTextScreen::~YealinkIPPhoneTextScreen() = default;
+
+void YealinkIPPhoneTextScreen::SetText(const std::string& theText) { text = theText; }
+
+void YealinkIPPhoneTextScreen::Render(std::string& out) {
+  using namespace teleform;
+  Append(out,
+         "<YealinkIPPhoneText>\n",
+         Line("<Title>", title, "</Title>\n"),
+         Line("<Text>", text, "</Text>\n"),
+         "</YealinkIPPhoneText>\n");
+}
