@@ -1,1 +1,266 @@
-int main(){}
+// Prints every document that the library writes, each built from the same contacts.
+//
+// Usage: gallery CONTACTS [DOCUMENT]
+//
+// CONTACTS is a text file in UTF-8 with one contact a line: name, telephone and department, with a
+// tab between them. Empty lines and lines that begin with # are skipped. DOCUMENT is the name of a
+// class, to see that document alone.
+#include <teleform/teleform.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+struct Contact {
+  std::string name;
+  std::string telephone;
+  std::string department;
+};
+using Contacts = std::vector<Contact>;
+
+Contacts ReadContacts(const std::string& path) {
+  std::ifstream file(path);
+  if (!file) throw std::runtime_error(path + ": " + std::strerror(errno));
+  Contacts contacts;
+  std::string line;
+  for (int number = 1; std::getline(file, line); ++number) {
+    if (line.empty() || line.front() == '#') continue;
+    const auto first = line.find('\t');
+    const auto second = line.find('\t', first + 1);
+    const bool hasThreeFields =
+        first != line.npos && second != line.npos && line.find('\t', second + 1) == line.npos;
+    if (!hasThreeFields || first == 0 || second == first + 1) {
+      throw std::runtime_error(path + ":" + std::to_string(number) +
+                               ": expected a name, a telephone and a department with tabs between");
+    }
+    contacts.push_back({line.substr(0, first),
+                        line.substr(first + 1, second - first - 1),
+                        line.substr(second + 1)});
+  }
+  if (file.bad()) throw std::runtime_error(path + ": " + std::strerror(errno));
+  if (contacts.empty()) throw std::runtime_error(path + ": no contacts in it");
+  return contacts;
+}
+
+// The library writes what it is given, so what comes from outside is made fit for XML before.
+std::string Escaped(std::string_view text) {
+  std::string escaped;
+  for (const char character : text) {
+    switch (character) {
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '>':
+        escaped += "&gt;";
+        break;
+      case '"':
+        escaped += "&quot;";
+        break;
+      default:
+        escaped += character;
+    }
+  }
+  return escaped;
+}
+
+// A telephone number as it goes into a URI, without the blanks that make it readable.
+std::string Number(const Contact& contact) {
+  std::string number = contact.telephone;
+  number.erase(std::remove(number.begin(), number.end(), ' '), number.end());
+  return number;
+}
+
+const std::string kServer = "http://phonebook.example/";
+
+void AppendCard(const Contact& contact, IPPhoneTextScreenXML& screen) {
+  screen.SetText(Escaped(contact.name) + ", " + Escaped(contact.department) + ": " +
+                 Escaped(contact.telephone));
+}
+
+void AppendDepartments(const Contacts& contacts, IPPhoneMenuXML& menu) {
+  std::vector<std::string> seen;
+  for (const auto& contact : contacts) {
+    const std::string& department = contact.department;
+    if (std::find(seen.begin(), seen.end(), department) != seen.end()) continue;
+    seen.push_back(department);
+    menu.AppendItem(Escaped(department), kServer + "department/" + std::to_string(seen.size()));
+  }
+}
+
+void AppendContacts(const Contacts& contacts, IPPhoneDirectoryXML& directory) {
+  for (const auto& contact : contacts) {
+    if (!directory.AppendEntry(Escaped(contact.name), Escaped(contact.telephone))) break;
+  }
+  directory.SortDirectoryItems();
+  directory.SetPreviousURI(kServer + "people?page=1");
+  directory.SetNextURI(kServer + "people?page=3");
+}
+
+void AskForName(IPPhoneInputXML& form) { form.SetParams("Name:", kServer + "find", "name", ""); }
+
+struct Exhibit {
+  const char* name;
+  std::function<std::unique_ptr<IPPhoneXML>(const Contacts&)> make;
+};
+
+const std::vector<Exhibit> kGallery = {
+    {"AastraIPPhoneTextScreen",
+     [](const Contacts& contacts) {
+       auto screen = std::make_unique<AastraIPPhoneTextScreen>("Contact");
+       AppendCard(contacts.front(), *screen);
+       screen->SetAttributes(AttrDestroyOnExit);
+       screen->AddSoftKey(1, "Dial", ("tel:" + Number(contacts.front())).c_str());
+       screen->AddSoftKey(6, "Exit", AASTRA_SK_EXIT);
+       return screen;
+     }},
+    {"AastraIPPhoneMenu",
+     [](const Contacts& contacts) {
+       auto menu = std::make_unique<AastraIPPhoneMenu>("Departments", 15);
+       AppendDepartments(contacts, *menu);
+       menu->AddSoftKey(1, "Select", AASTRA_SK_SELECT);
+       return menu;
+     }},
+    {"AastraIPPhoneDirectory",
+     [](const Contacts& contacts) {
+       auto directory = std::make_unique<AastraIPPhoneDirectory>("People", 15);
+       AppendContacts(contacts, *directory);
+       directory->AddSoftKey(1, "Dial", AASTRA_SK_DIAL);
+       return directory;
+     }},
+    {"AastraIPPhoneInput",
+     [](const Contacts&) {
+       auto form = std::make_unique<AastraIPPhoneInput>("Search", "string", false);
+       AskForName(*form);
+       form->AddSoftKey(5, "Done", AASTRA_SK_SUBMIT);
+       return form;
+     }},
+    {"AastraIPPhoneExecute",
+     [](const Contacts& contacts) {
+       return std::make_unique<AastraIPPhoneExecute>("Dial:" + Number(contacts.front()));
+     }},
+    {"AastraIPPhoneStatus",
+     [](const Contacts& contacts) {
+       auto status = std::make_unique<AastraIPPhoneStatus>();
+       status->SetMessage("phonebook",
+                          "Missed: " + Escaped(contacts.front().name),
+                          1,
+                          IPPhoneStatusXML::MsgTypeAlert,
+                          10);
+       status->SetAttributes(AttrBeep);
+       return status;
+     }},
+    {"CiscoIPPhoneDirectory",
+     [](const Contacts& contacts) {
+       auto directory = std::make_unique<CiscoIPPhoneDirectory>("People", 32);
+       AppendContacts(contacts, *directory);
+       return directory;
+     }},
+    {"PolycomIPPhoneTextScreen",
+     [](const Contacts& contacts) {
+       auto screen = std::make_unique<PolycomIPPhoneTextScreen>("Contact");
+       AppendCard(contacts.front(), *screen);
+       return screen;
+     }},
+    {"SnomIPPhoneTextScreen",
+     [](const Contacts& contacts) {
+       auto screen = std::make_unique<SnomIPPhoneTextScreen>("Contact");
+       AppendCard(contacts.front(), *screen);
+       screen->AddSoftKey(SNOM_SK_ENTER, ("tel:" + Number(contacts.front())).c_str());
+       return screen;
+     }},
+    {"SnomIPPhoneMenu",
+     [](const Contacts& contacts) {
+       auto menu = std::make_unique<SnomIPPhoneMenu>("Departments", 0);
+       AppendDepartments(contacts, *menu);
+       return menu;
+     }},
+    {"SnomIPPhoneDirectory",
+     [](const Contacts& contacts) {
+       auto directory = std::make_unique<SnomIPPhoneDirectory>("People", 0);
+       AppendContacts(contacts, *directory);
+       directory->AddSoftKey(SNOM_SK_F_MINIBROWSER_SEARCH, (kServer + "find").c_str());
+       return directory;
+     }},
+    {"SnomIPPhoneInput",
+     [](const Contacts&) {
+       auto form = std::make_unique<SnomIPPhoneInput>("Search", "a");
+       AskForName(*form);
+       return form;
+     }},
+    {"YealinkIPPhoneTextScreen",
+     [](const Contacts& contacts) {
+       auto screen = std::make_unique<YealinkIPPhoneTextScreen>("Contact");
+       AppendCard(contacts.front(), *screen);
+       return screen;
+     }},
+    {"YealinkIPPhoneMenu",
+     [](const Contacts& contacts) {
+       auto menu = std::make_unique<YealinkIPPhoneMenu>("Departments", 0);
+       AppendDepartments(contacts, *menu);
+       return menu;
+     }},
+    {"YealinkIPPhoneDirectory",
+     [](const Contacts& contacts) {
+       auto directory = std::make_unique<YealinkIPPhoneDirectory>("People", 0);
+       AppendContacts(contacts, *directory);
+       directory->AddSoftKey(YEALINK_SK_F_MINIBROWSER_SEARCH, (kServer + "find").c_str());
+       return directory;
+     }},
+};
+
+void Show(const Exhibit& exhibit, const Contacts& contacts) {
+  const auto document = exhibit.make(contacts);
+  std::string text;
+  document->Render(text);
+  std::cout << "== " << exhibit.name << ", " << document->GetContentType() << " ==\n"
+            << text << "\n";
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 2 || argc > 3) {
+    std::cerr << "usage: gallery CONTACTS [DOCUMENT]\n";
+    return 2;
+  }
+  std::vector<Exhibit> chosen = kGallery;
+  if (argc == 3) {
+    chosen.erase(std::remove_if(chosen.begin(),
+                                chosen.end(),
+                                [&](const Exhibit& exhibit) {
+                                  return std::string_view(exhibit.name) != argv[2];
+                                }),
+                 chosen.end());
+    if (chosen.empty()) {
+      std::cerr << "gallery: there is no document " << argv[2] << "; the documents are\n";
+      for (const auto& exhibit : kGallery) std::cerr << "  " << exhibit.name << "\n";
+      return 2;
+    }
+  }
+  try {
+    const Contacts contacts = ReadContacts(argv[1]);
+    for (const auto& exhibit : chosen) Show(exhibit, contacts);
+  } catch (const std::exception& error) {
+    std::cerr << "gallery: " << error.what() << "\n";
+    return 1;
+  }
+  std::cout.flush();
+  if (!std::cout) {
+    std::cerr << "gallery: the output can't be written\n";
+    return 1;
+  }
+  return 0;
+}

@@ -1,13 +1,11 @@
-// Entries and their orders, the directory base, numbers, and how text is appended.
+// Entries and their orders, the directory base, and numbers.
 #include <gtest/gtest.h>
-#include <teleform/core/pieces.h>
 #include <teleform/teleform.h>
 
 #include <algorithm>
 #include <locale>
 #include <random>
 #include <sstream>
-#include <stdexcept>
 
 #include "documents.h"
 
@@ -183,22 +181,6 @@ TEST(NumberToString, FollowsTheGlobalLocale) {
   std::locale::global(before);
   EXPECT_NE(out.find(R"(<Message index="-1.234.567" type="alert" Timeout="1.000">)"), out.npos);
   EXPECT_NE(Rendered(status).find(R"(index="-1234567" type="alert" Timeout="1000")"), out.npos);
-}
-
-TEST(MakeRoom, RefusesMoreThanAStringCanHold) {
-  std::string out = "kept";
-  for (const std::size_t tooMuch : {out.max_size() - 3, out.max_size(), ~std::size_t{0}}) {
-    EXPECT_THROW(teleform::MakeRoom(out, tooMuch), std::length_error);
-  }
-  EXPECT_EQ(out, "kept");
-  const std::size_t capacity = out.capacity();
-  teleform::MakeRoom(out, capacity - out.size());
-  EXPECT_EQ(out.capacity(), capacity);
-  teleform::MakeRoom(out, capacity - out.size() + 1);
-  EXPECT_GE(out.capacity(), 2 * capacity);
-  teleform::MakeRoom(out, 1000);
-  EXPECT_GE(out.capacity(), 1000 + out.size());
-  EXPECT_EQ(out, "kept");
 }
 
 }  // namespace

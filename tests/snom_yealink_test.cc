@@ -279,9 +279,10 @@ TEST(Snom, Input) {
   SnomIPPhoneInput whole("", nul);
   EXPECT_TRUE(whole.SetParams(nul, nul, nul, nul));
   const std::string out = Rendered(whole);
-  for (const char* element :
+  for (const std::string element :
        {"Prompt", "URL", "DisplayName", "QueryStringParam", "DefaultValue", "InputFlags"}) {
-    const std::string expected = "<" + std::string(element) + ">" + nul + "</" + element + ">\n";
+    std::string expected = element;
+    expected.append(">").append(nul).append("</").append(element).append(">\n");
     EXPECT_NE(out.find(expected), out.npos) << element;
   }
 }

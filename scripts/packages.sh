@@ -1,0 +1,43 @@
+# Sourced by the commands beside it: installs the Debian packages that they miss.
+
+# need PACKAGE...: makes sure that the packages are there, or ends the command and names them.
+need() {
+  local missing=() package
+  for package; do
+    [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" = installed ] ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+
+  local as_root=()
+  if [ "$(id -u)" -ne 0 ]; then
+    if ! command -v sudo >/dev/null; then
+      echo "Please install these packages as root, then try again: ${missing[*]}" >&2
+      exit 1
+    fi
+    as_root=(sudo)
+  fi
+  echo "Installing ${missing[*]} ..." >&2
+  local log
+  log=$(mktemp)
+  if ! { "${as_root[@]}" apt-get update &&
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+      apt-get install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1 </dev/null; then
+    cat "$log" >&2
+    echo "These packages could not be installed: ${missing[*]}" >&2
+    exit 1
+  fi
+  rm -f "$log"
+}
+
+# quietly COMMAND...: runs it and shows what it says only if it fails.
+quietly() {
+  local log
+  log=$(mktemp)
+  if ! "$@" >"$log" 2>&1; then
+    cat "$log" >&2
+    echo "This failed: $*" >&2
+    exit 1
+  fi
+  rm -f "$log"
+}

@@ -1,0 +1,44 @@
+// How text is appended, without what only the newest standard library offers: the library's other
+// tests run with it.
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#undef __cpp_lib_string_resize_and_overwrite
+#include <teleform/core/pieces.h>
+
+namespace {
+
+using namespace teleform;
+
+TEST(Append, WritesPiecesInTheirOrder) {
+  const std::string text = "text";
+  const std::string numbers = "123";
+  std::string out = "kept ";
+  Append(out,
+         "<a",
+         When(true, " b=\"", text, "\""),
+         When(false, " c=\"", text, "\""),
+         Line(">", std::string_view(text).substr(1), "</a>\n"),
+         Each(numbers, [](const char& digit) { return Pieces(std::string_view(&digit, 1), ";"); }),
+         "");
+  EXPECT_EQ(out, "kept <a b=\"text\">ext</a>\n1;2;3;");
+}
+
+TEST(MakeRoom, RefusesMoreThanAStringCanHold) {
+  std::string out = "kept";
+  for (const std::size_t tooMuch : {out.max_size() - 3, out.max_size(), ~std::size_t{0}}) {
+    EXPECT_THROW(MakeRoom(out, tooMuch), std::length_error);
+  }
+  EXPECT_EQ(out, "kept");
+  const std::size_t capacity = out.capacity();
+  MakeRoom(out, capacity - out.size());
+  EXPECT_EQ(out.capacity(), capacity);
+  MakeRoom(out, capacity - out.size() + 1);
+  EXPECT_GE(out.capacity(), 2 * capacity);
+  MakeRoom(out, 1000);
+  EXPECT_GE(out.capacity(), 1000 + out.size());
+  EXPECT_EQ(out, "kept");
+}
+
+}  // namespace
