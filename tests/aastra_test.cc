@@ -230,15 +230,28 @@ struct KeysInSight : AastraIPPhone {
   using AastraIPPhone::softKeys;
 };
 
-TEST(Aastra, SoftKeyRendersByItself) {
+TEST(Aastra, ItemsEntriesAndKeysRenderByThemselves) {
   KeysInSight holder;
   holder.AddSoftKey(6, "One", "uri:1");
   holder.AddSoftKey(1, "Two", "uri:2");
   AastraSoftKey key(holder.softKeys[0]);
   std::string out = "kept ";
+  AastraIPPhoneMenuItem("p", "u").Render(out);
+  AastraIPPhoneDirectoryEntry("n", "t").Render(out);
   key.Render(out);
-  EXPECT_EQ(out,
-            "kept <SoftKey index = \"6\">\n<Label>One</Label>\n<URI>uri:1</URI>\n</SoftKey>\n");
+  EXPECT_EQ(out, R"(kept <MenuItem>
+<Prompt>p</Prompt>
+<URI>u</URI>
+</MenuItem>
+<MenuItem>
+<Prompt>n</Prompt>
+<URI>t</URI>
+</MenuItem>
+<SoftKey index = "6">
+<Label>One</Label>
+<URI>uri:1</URI>
+</SoftKey>
+)");
   key = holder.softKeys[1];
   EXPECT_EQ(key.GetLabel(), "Two");
   key = AastraSoftKey(holder.softKeys[0]);
