@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -30,9 +31,24 @@ struct Elements {
   Element element;
 };
 
+// A literal keeps its size in its type: copies of known size need no call.
+template <std::size_t size>
+struct Literal {
+  Literal(const char* literal) : text(literal) {}
+  const char* text;
+};
+
 template <typename T>
-using PieceOf =
-    std::conditional_t<std::is_convertible_v<const T&, std::string_view>, std::string_view, T>;
+struct PieceFor {
+  using Type =
+      std::conditional_t<std::is_convertible_v<const T&, std::string_view>, std::string_view, T>;
+};
+template <std::size_t size>
+struct PieceFor<char[size]> {
+  using Type = Literal<size - 1>;
+};
+template <typename T>
+using PieceOf = typename PieceFor<T>::Type;
 
 // Pieces that are written only under a condition, such as an attribute.
 template <typename... T>
@@ -63,6 +79,11 @@ inline std::string_view UpToNul(const std::string& text) { return text.c_str(); 
 
 inline std::size_t Size(std::string_view text) { return text.size(); }
 
+template <std::size_t size>
+constexpr std::size_t Size(const Literal<size>& /*literal*/) {
+  return size;
+}
+
 template <typename... Piece>
 std::size_t Size(const Group<Piece...>& group) {
   if (!group.written) return 0;
@@ -78,6 +99,12 @@ std::size_t Size(const Elements<List, Element>& elements) {
 
 inline char* Copy(char* to, std::string_view text) { return to + text.copy(to, text.size()); }
 
+template <std::size_t size>
+char* Copy(char* to, const Literal<size>& literal) {
+  std::memcpy(to, literal.text, size);
+  return to + size;
+}
+
 template <typename... Piece>
 char* Copy(char* to, const Group<Piece...>& group) {
   if (!group.written) return to;
@@ -91,13 +118,16 @@ char* Copy(char* to, const Elements<List, Element>& elements) {
   return to;
 }
 
-// Makes room for `size` more bytes. Growing at least by doubling keeps the appending of thousands
-// of documents to one string linear.
-inline void MakeRoom(std::string& out, std::size_t size) {
-  if (size <= out.capacity() - out.size()) return;
+// Lets `out` grow by `size` bytes at least. Growing at least by doubling keeps the appending of
+// thousands of documents to one string linear. Kept out of line, because it is rarely needed.
+[[gnu::noinline]] inline void Grow(std::string& out, std::size_t size) {
   if (size > out.max_size() - out.size()) throw std::length_error("document too long for a string");
   const std::size_t doubled = std::min(out.capacity(), out.max_size() / 2) * 2;
   out.reserve(std::max(out.size() + size, doubled));
+}
+
+inline void MakeRoom(std::string& out, std::size_t size) {
+  if (size > out.capacity() - out.size()) Grow(out, size);
 }
 
 template <typename... T>

@@ -1,0 +1,207 @@
+// Measures every contestant at every kind of work, after comparing what they write.
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+#include <teleform/teleform.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <deque>
+#include <iostream>
+#include <memory>
+#include <random>
+
+#include "contestants.h"
+
+namespace {
+
+std::vector<Contestant> AllContestants() {
+  std::vector<Contestant> all = {kTeleform, kTeleformWholeJob, kLimit};
+  all.insert(all.end(), kStringWriters.begin(), kStringWriters.end());
+  all.insert(all.end(), kXmlLibraries.begin(), kXmlLibraries.end());
+  all.push_back(kTemplateEngine);
+  return all;
+}
+
+// The library's text as a contestant writes it that has no line feeds and no blanks around `=`.
+std::string Packed(std::string text) {
+  text.erase(std::remove(text.begin(), text.end(), '\n'), text.end());
+  for (std::size_t at; (at = text.find(" = \"")) != text.npos;) text.replace(at, 3, "=");
+  return text;
+}
+
+// Registers one kind of work for all contestants, into a fresh and into a reused string.
+template <typename Contents>
+void Register(const std::string& work, Renderer (*Contestant::*make)(const Contents&),
+              const Contents& contents) {
+  std::string expected;
+  (kTeleform.*make)(contents)(expected);
+  for (const auto& contestant : AllContestants()) {
+    const Renderer render = (contestant.*make)(contents);
+    std::string out;
+    render(out);
+    if (out != (contestant.writesSameBytes ? expected : Packed(expected))) {
+      std::cerr << contestant.name << " writes another " << work << ":\n" << out << "\n";
+      std::exit(1);
+    }
+    benchmark::RegisterBenchmark((work + "/fresh/" + contestant.name).c_str(),
+                                 [render](benchmark::State& state) {
+                                   for (auto _ : state) {
+                                     std::string fresh;
+                                     render(fresh);
+                                     benchmark::DoNotOptimize(fresh.data());
+                                   }
+                                 });
+    benchmark::RegisterBenchmark((work + "/reused/" + contestant.name).c_str(),
+                                 [render](benchmark::State& state) {
+                                   std::string reused;
+                                   for (auto _ : state) {
+                                     reused.clear();
+                                     render(reused);
+                                     benchmark::DoNotOptimize(reused.data());
+                                   }
+                                 });
+  }
+}
+
+// Nobody sorts the same order twice, and a processor that sees it twice guesses right: every sort
+// gets names in an order of their own. A batch of sorts is timed at once.
+template <typename Prepare, typename Sort>
+void MeasureSorting(benchmark::State& state, std::size_t count, Prepare prepare, Sort sort) {
+  std::vector<Person> people = MakePeople(count);
+  std::mt19937 random(1);
+  const std::size_t batch = std::max<std::size_t>(1, 2000 / count);
+  for (auto _ : state) {
+    std::vector<decltype(prepare(people))> prepared;
+    for (std::size_t i = 0; i < batch; ++i) {
+      std::shuffle(people.begin(), people.end(), random);
+      prepared.push_back(prepare(people));
+    }
+    const auto begin = std::chrono::steady_clock::now();
+    for (auto& one : prepared) sort(one);
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - begin;
+    state.SetIterationTime(elapsed.count() / static_cast<double>(batch));
+  }
+}
+
+void RegisterSorting(std::size_t count) {
+  const std::string work = "sort " + std::to_string(count) + "/";
+  benchmark::RegisterBenchmark((work + "libteleform").c_str(), [count](benchmark::State& state) {
+    MeasureSorting(
+        state,
+        count,
+        [](const std::vector<Person>& people) {
+          auto directory = std::make_unique<SnomIPPhoneDirectory>("", 0);
+          for (const auto& person : people) directory->AppendEntry(person.name, person.telephone);
+          return directory;
+        },
+        [](auto& directory) { directory->SortDirectoryItems(); });
+  })->UseManualTime();
+  benchmark::RegisterBenchmark((work + "stable_sort").c_str(), [count](benchmark::State& state) {
+    struct Names {
+      std::vector<std::string> names;
+      std::vector<const std::string*> pointers;
+    };
+    MeasureSorting(
+        state,
+        count,
+        [](const std::vector<Person>& people) {
+          auto names = std::make_unique<Names>();
+          for (const auto& person : people) names->names.push_back(person.name);
+          for (const auto& name : names->names) names->pointers.push_back(&name);
+          return names;
+        },
+        [](auto& names) {
+          std::stable_sort(names->pointers.begin(),
+                           names->pointers.end(),
+                           [](const auto* a, const auto* b) { return *a < *b; });
+        });
+  })->UseManualTime();
+}
+
+// Time and memory for an entry, from a new directory to its text.
+void RegisterGrowth(std::size_t count) {
+  benchmark::RegisterBenchmark(
+      ("growth/entries " + std::to_string(count)).c_str(), [count](benchmark::State& state) {
+        Directory contents;
+        contents.people = MakePeople(count);
+        double memory = 0;
+        for (auto _ : state) {
+          const auto before = mallinfo2();
+          CiscoIPPhoneDirectory document("", 1 << 30);
+          for (const auto& person : contents.people) {
+            document.AppendEntry(person.name, person.telephone);
+          }
+          std::string out;
+          document.Render(out);
+          const auto after = mallinfo2();
+          memory =
+              static_cast<double>(after.uordblks + after.hblkhd - before.uordblks - before.hblkhd);
+        }
+        const auto entries = static_cast<double>(count);
+        state.counters["ns_per_entry"] = benchmark::Counter(
+            entries * 1e-9,
+            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+        state.counters["bytes_per_entry"] = memory / entries;
+      });
+}
+
+// Many documents in one string.
+void RegisterAppending(int count) {
+  benchmark::RegisterBenchmark(
+      ("growth/documents " + std::to_string(count)).c_str(), [count](benchmark::State& state) {
+        Screen contents;
+        const Renderer render = kTeleform.screen(contents);
+        for (auto _ : state) {
+          std::string out;
+          for (int i = 0; i < count; ++i) render(out);
+          benchmark::DoNotOptimize(out.data());
+        }
+        state.counters["ns_per_document"] = benchmark::Counter(
+            count * 1e-9,
+            benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+      });
+}
+
+void RegisterThreads(const Directory& contents) {
+  for (const int threads : {1, 2}) {
+    benchmark::RegisterBenchmark("threads/whole job",
+                                 [&contents](benchmark::State& state) {
+                                   const Renderer render = kTeleformWholeJob.directory(contents);
+                                   for (auto _ : state) {
+                                     std::string out;
+                                     render(out);
+                                     benchmark::DoNotOptimize(out.data());
+                                   }
+                                   state.counters["per_second"] = benchmark::Counter(
+                                       1, benchmark::Counter::kIsIterationInvariantRate);
+                                 })
+        ->Threads(threads)
+        ->UseRealTime();
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::deque<Directory> directories;  // they stay where they are
+  for (const std::size_t entries : {0, 10, 32, 1000}) {
+    directories.push_back({});
+    directories.back().people = MakePeople(entries);
+    Register("directory " + std::to_string(entries), &Contestant::directory, directories.back());
+  }
+  const Menu menu = MakeMenu(15);
+  Register("menu", &Contestant::menu, menu);
+  const Status status;
+  Register("status", &Contestant::status, status);
+  const Screen screen;
+  Register("text screen", &Contestant::screen, screen);
+  for (const std::size_t names : {32, 1000, 100000}) RegisterSorting(names);
+  for (const std::size_t entries : {10, 100, 1000, 10000, 100000, 1000000}) RegisterGrowth(entries);
+  for (const int documents : {10, 100, 1000, 10000}) RegisterAppending(documents);
+  RegisterThreads(directories[2]);
+
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+}
