@@ -12,9 +12,8 @@ using Renderer = std::function<void(std::string&)>;
 
 struct Contestant {
   const char* name;
-  // Whether it can write the library's bytes. If not, it leaves out the line feeds and the blanks
-  // around the equals signs of attributes, and has less to write.
-  bool writesSameBytes;
+  // Whether it can write blanks around the equals signs of attributes, as Aastra phones have them.
+  bool writesBlanks;
   Renderer (*directory)(const Directory&);
   Renderer (*menu)(const Menu&);
   Renderer (*status)(const Status&);

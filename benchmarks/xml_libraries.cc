@@ -71,11 +71,19 @@ class Libxml2 {
   xmlTextWriterPtr writer = xmlNewTextWriterMemory(buffer, 0);
 };
 
+const std::string kLineFeed = "\n";
+
+template <typename Writer>
+void CloseElement(Writer& writer) {
+  writer.Close();
+  writer.Text(kLineFeed);
+}
+
 template <typename Writer>
 void WriteElement(Writer& writer, const char* name, const std::string& text) {
   writer.Open(name);
   writer.Text(text);
-  writer.Close();
+  CloseElement(writer);
 }
 
 template <typename Writer>
@@ -83,14 +91,16 @@ void Describe(Writer& writer, const Directory& directory) {
   writer.Open("CiscoIPPhoneDirectory");
   writer.Attribute("previous", directory.previous.c_str());
   writer.Attribute("next", directory.next.c_str());
+  writer.Text(kLineFeed);
   WriteElement(writer, "Title", directory.title);
   for (const auto& person : directory.people) {
     writer.Open("DirectoryEntry");
+    writer.Text(kLineFeed);
     WriteElement(writer, "Name", person.name);
     WriteElement(writer, "Telephone", person.telephone);
-    writer.Close();
+    CloseElement(writer);
   }
-  writer.Close();
+  CloseElement(writer);
 }
 
 template <typename Writer>
@@ -98,46 +108,52 @@ void Describe(Writer& writer, const Menu& menu) {
   writer.Open("AastraIPPhoneTextMenu");
   writer.Attribute("destroyOnExit", "yes");
   writer.Attribute("Beep", "yes");
+  writer.Text(kLineFeed);
   WriteElement(writer, "Title", menu.title);
   for (const auto& item : menu.items) {
     writer.Open("MenuItem");
+    writer.Text(kLineFeed);
     WriteElement(writer, "Prompt", item.name);
     WriteElement(writer, "URI", item.telephone);
-    writer.Close();
+    CloseElement(writer);
   }
   for (const auto& key : menu.keys) {
     writer.Open("SoftKey");
     writer.Attribute("index", std::to_string(key.index).c_str());
+    writer.Text(kLineFeed);
     WriteElement(writer, "Label", key.label);
     WriteElement(writer, "URI", key.uri);
-    writer.Close();
+    CloseElement(writer);
   }
-  writer.Close();
+  CloseElement(writer);
 }
 
 template <typename Writer>
 void Describe(Writer& writer, const Status& status) {
   writer.Open("AastraIPPhoneStatus");
+  writer.Text(kLineFeed);
   WriteElement(writer, "Session", status.session);
   writer.Open("Message");
   writer.Attribute("index", std::to_string(status.index).c_str());
   writer.Attribute("type", "alert");
   writer.Attribute("Timeout", std::to_string(status.timeout).c_str());
-  writer.Text(status.message);
-  writer.Close();
-  writer.Close();
+  writer.Text(kLineFeed + status.message);
+  CloseElement(writer);
+  CloseElement(writer);
 }
 
 template <typename Writer>
 void Describe(Writer& writer, const Screen& screen) {
   writer.Open("SnomIPPhoneText");
+  writer.Text(kLineFeed);
   WriteElement(writer, "Title", screen.title);
   WriteElement(writer, "Text", screen.text);
   writer.Open("SoftKeyItem");
+  writer.Text(kLineFeed);
   WriteElement(writer, "Name", screen.key);
   WriteElement(writer, "URL", screen.url);
-  writer.Close();
-  writer.Close();
+  CloseElement(writer);
+  CloseElement(writer);
 }
 
 template <typename Writer, typename Contents>
