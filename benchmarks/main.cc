@@ -84,37 +84,49 @@ void MeasureSorting(benchmark::State& state, std::size_t count, Prepare prepare,
 
 void RegisterSorting(std::size_t count) {
   const std::string work = "sort " + std::to_string(count) + "/";
-  benchmark::RegisterBenchmark((work + "libteleform").c_str(), [count](benchmark::State& state) {
-    MeasureSorting(
-        state,
-        count,
-        [](const std::vector<Person>& people) {
-          auto directory = std::make_unique<SnomIPPhoneDirectory>("", 0);
-          for (const auto& person : people) directory->AppendEntry(person.name, person.telephone);
-          return directory;
-        },
-        [](auto& directory) { directory->SortDirectoryItems(); });
-  })->UseManualTime();
-  benchmark::RegisterBenchmark((work + "stable_sort").c_str(), [count](benchmark::State& state) {
-    struct Names {
-      std::vector<std::string> names;
-      std::vector<const std::string*> pointers;
-    };
-    MeasureSorting(
-        state,
-        count,
-        [](const std::vector<Person>& people) {
-          auto names = std::make_unique<Names>();
-          for (const auto& person : people) names->names.push_back(person.name);
-          for (const auto& name : names->names) names->pointers.push_back(&name);
-          return names;
-        },
-        [](auto& names) {
-          std::stable_sort(names->pointers.begin(),
-                           names->pointers.end(),
-                           [](const auto* a, const auto* b) { return *a < *b; });
-        });
-  })->UseManualTime();
+  const int batches = count > 10000 ? 3 : 50;
+  benchmark::RegisterBenchmark((work + "libteleform").c_str(),
+                               [count](benchmark::State& state) {
+                                 MeasureSorting(
+                                     state,
+                                     count,
+                                     [](const std::vector<Person>& people) {
+                                       auto directory =
+                                           std::make_unique<SnomIPPhoneDirectory>("", 0);
+                                       for (const auto& person : people)
+                                         directory->AppendEntry(person.name, person.telephone);
+                                       return directory;
+                                     },
+                                     [](auto& directory) { directory->SortDirectoryItems(); });
+                               })
+      ->UseManualTime()
+      ->Iterations(batches);
+  benchmark::RegisterBenchmark((work + "stable_sort").c_str(),
+                               [count](benchmark::State& state) {
+                                 struct Names {
+                                   std::vector<std::string> names;
+                                   std::vector<const std::string*> pointers;
+                                 };
+                                 MeasureSorting(
+                                     state,
+                                     count,
+                                     [](const std::vector<Person>& people) {
+                                       auto names = std::make_unique<Names>();
+                                       for (const auto& person : people)
+                                         names->names.push_back(person.name);
+                                       for (const auto& name : names->names)
+                                         names->pointers.push_back(&name);
+                                       return names;
+                                     },
+                                     [](auto& names) {
+                                       std::stable_sort(
+                                           names->pointers.begin(),
+                                           names->pointers.end(),
+                                           [](const auto* a, const auto* b) { return *a < *b; });
+                                     });
+                               })
+      ->UseManualTime()
+      ->Iterations(batches);
 }
 
 // Time and memory for an entry, from a new directory to its text.

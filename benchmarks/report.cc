@@ -1,1 +1,209 @@
-int main() {}
+// Turns what the benchmarks measured into the tables of docs/performance.md and the data of its
+// chart.
+//
+// Usage: benchmark_report RESULTS.json PAGE.md CHART.dat
+//
+// The page keeps its text; what stands between the two marks is replaced. Only medians count, and
+// only ratios within the one run.
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Result {
+  double nanoseconds;
+  nlohmann::json counters;
+};
+
+class Results {
+ public:
+  explicit Results(const std::string& path) {
+    std::ifstream file(path);
+    const auto results = nlohmann::json::parse(file);
+    for (const auto& run : results.at("benchmarks")) {
+      if (run.value("aggregate_name", "") != "median") continue;
+      if (run.at("time_unit") != "ns") throw std::runtime_error(path + ": not in nanoseconds");
+      medians[run.at("run_name")] = {run.at("real_time").get<double>(), run};
+    }
+  }
+  const Result& At(const std::string& name) const {
+    const auto found = medians.find(name);
+    if (found == medians.end()) throw std::runtime_error("not measured: " + name);
+    return found->second;
+  }
+  double Ratio(const std::string& a, const std::string& b) const {
+    return At(a).nanoseconds / At(b).nanoseconds;
+  }
+
+ private:
+  std::map<std::string, Result> medians;
+};
+
+std::string Rounded(double number) {
+  std::ostringstream text;
+  text.precision(number < 10 ? 2 : 0);
+  text << std::fixed << number;
+  return text.str();
+}
+
+const std::vector<std::string> kWork = {"directory 0",
+                                        "directory 10",
+                                        "directory 32",
+                                        "directory 1000",
+                                        "menu",
+                                        "status",
+                                        "text screen"};
+const std::vector<std::string> kPeers = {
+    "chain of +=", "ostringstream", "{fmt}", "pugixml", "tinyxml2", "libxml2", "mustache"};
+
+void AppendRow(std::string& table, const std::string& first,
+               const std::vector<std::string>& cells) {
+  table += "| " + first;
+  for (const auto& cell : cells) table += " | " + cell;
+  table += " |\n";
+}
+
+void AppendHead(std::string& table, const std::string& first,
+                const std::vector<std::string>& cells) {
+  AppendRow(table, first, cells);
+  table += "|---";
+  for (std::size_t i = 0; i < cells.size(); ++i) table += "|---:";
+  table += "|\n";
+}
+
+std::string Renderings(const Results& results, const std::string& string) {
+  std::string table;
+  AppendHead(table, "", kWork);
+  const auto row = [&](const std::string& label, auto cellOf) {
+    std::vector<std::string> cells;
+    cells.reserve(kWork.size());
+    for (const auto& work : kWork) cells.push_back(cellOf(work + "/" + string + "/"));
+    AppendRow(table, label, cells);
+  };
+  row("libteleform, ns", [&](const std::string& work) {
+    return Rounded(results.At(work + "libteleform").nanoseconds);
+  });
+  row("libteleform / limit", [&](const std::string& work) {
+    return Rounded(results.Ratio(work + "libteleform", work + "limit"));
+  });
+  for (const auto& peer : kPeers) {
+    row(peer + " / libteleform", [&](const std::string& work) {
+      return Rounded(results.Ratio(work + peer, work + "libteleform"));
+    });
+  }
+  row("whole job, ns", [&](const std::string& work) {
+    return Rounded(results.At(work + "libteleform, whole job").nanoseconds);
+  });
+  for (const std::string peer : {"pugixml", "tinyxml2"}) {
+    row(peer + " / whole job", [&](const std::string& work) {
+      return Rounded(results.Ratio(work + peer, work + "libteleform, whole job"));
+    });
+  }
+  return table;
+}
+
+std::string Sorting(const Results& results) {
+  std::string table;
+  AppendHead(table, "names", {"libteleform, µs", "stable_sort / libteleform"});
+  for (const std::string names : {"32", "1000", "100000"}) {
+    const std::string work = "sort " + names + "/";
+    // The name of a run bears how it was timed and how often.
+    const std::string suffix =
+        std::string("/iterations:") + (names == "100000" ? "3" : "50") + "/manual_time";
+    AppendRow(
+        table,
+        names,
+        {Rounded(results.At(work + "libteleform" + suffix).nanoseconds / 1000),
+         Rounded(results.Ratio(work + "stable_sort" + suffix, work + "libteleform" + suffix))});
+  }
+  return table;
+}
+
+std::string Growth(const Results& results) {
+  std::string table;
+  AppendHead(table, "entries", {"ns per entry, whole job", "bytes of memory per entry"});
+  for (const std::string entries : {"10", "100", "1000", "10000", "100000", "1000000"}) {
+    const auto& run = results.At("growth/entries " + entries);
+    AppendRow(table,
+              entries,
+              {Rounded(run.nanoseconds / std::stod(entries)),
+               Rounded(run.counters.at("bytes_per_entry").get<double>())});
+  }
+  table += "\n";
+  AppendHead(table, "documents in one string", {"ns per document"});
+  for (const std::string documents : {"10", "100", "1000", "10000"}) {
+    const auto& run = results.At("growth/documents " + documents);
+    AppendRow(table, documents, {Rounded(run.nanoseconds / std::stod(documents))});
+  }
+  const std::string threads = "threads/whole job/real_time/threads:";
+  table += "\nTwo threads do " +
+           Rounded(results.At(threads + "2").counters.at("per_second").get<double>() /
+                   results.At(threads + "1").counters.at("per_second").get<double>()) +
+           " times the work of one.\n";
+  return table;
+}
+
+const std::string kBegin = "<!-- measured: begin -->\n";
+const std::string kEnd = "<!-- measured: end -->\n";
+
+void ReplaceMeasured(const std::string& path, const std::string& tables) {
+  std::ifstream in(path);
+  std::string page((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  const auto begin = page.find(kBegin);
+  const auto end = page.find(kEnd);
+  if (begin == page.npos || end == page.npos) throw std::runtime_error(path + ": no marks");
+  page.replace(begin + kBegin.size(), end - begin - kBegin.size(), "\n" + tables + "\n");
+  std::ofstream out(path);
+  out << page;
+  if (!out.flush()) throw std::runtime_error(path + ": can't be written");
+}
+
+void WriteChart(const std::string& path, const Results& results) {
+  std::ofstream out(path);
+  for (const std::string name : {"limit",
+                                 "libteleform",
+                                 "chain of +=",
+                                 "ostringstream",
+                                 "{fmt}",
+                                 "tinyxml2",
+                                 "pugixml",
+                                 "mustache",
+                                 "libxml2"}) {
+    out << '"' << name << "\"";
+    for (const std::string work : {"directory 32", "menu", "text screen"}) {
+      const std::string prefix = work + "/fresh/";
+      out << "\t" << results.Ratio(prefix + name, prefix + "libteleform");
+    }
+    out << "\n";
+  }
+  if (!out.flush()) throw std::runtime_error(path + ": can't be written");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 4) {
+    std::cerr << "usage: benchmark_report RESULTS.json PAGE.md CHART.dat\n";
+    return 2;
+  }
+  try {
+    const Results results(argv[1]);
+    const std::string tables = "Into a fresh string:\n\n" + Renderings(results, "fresh") +
+                               "\nInto a string that is used again:\n\n" +
+                               Renderings(results, "reused") + "\nSorting:\n\n" + Sorting(results) +
+                               "\nGrowth:\n\n" + Growth(results);
+    ReplaceMeasured(argv[2], tables);
+    WriteChart(argv[3], results);
+    std::cout << tables;
+  } catch (const std::exception& error) {
+    std::cerr << "benchmark_report: " << error.what() << "\n";
+    return 1;
+  }
+}

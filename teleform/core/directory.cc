@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <string_view>
 
 namespace {
 
@@ -26,73 +26,80 @@ struct Run {
 };
 
 constexpr std::size_t kChunkBytes = 7;
+constexpr std::uint64_t kCount = 0xFF;  // the bits of a chunk that hold the count
 constexpr std::uint64_t kGoesOn = kChunkBytes + 1;
 
 // Seven bytes of the name, missing ones as 0, and below them how many bytes of it are left, so
 // that a name which ends comes before the longer ones, even those that go on with NULs.
 std::uint64_t ChunkOf(const std::string& name, std::size_t position) {
-  const char* const bytes = name.data() + position;
-  const std::size_t left = std::min(name.size() - position, kChunkBytes + 1);
-  std::uint64_t chunk = 0;
-  if (left > kChunkBytes) {
-    for (std::size_t i = 0; i < kChunkBytes; ++i) {
-      chunk = chunk << 8 | static_cast<unsigned char>(bytes[i]);
-    }
+  const char* const text = name.data() + position;
+  const std::size_t left = std::min<std::size_t>(name.size() - position, kGoesOn);
+  std::array<char, kGoesOn> bytes{};
+  if (left == kGoesOn) {
+    std::memcpy(bytes.data(), text, kGoesOn);  // of a size that the compiler knows
   } else {
-    for (std::size_t i = 0; i < left; ++i) {
-      chunk |= std::uint64_t{static_cast<unsigned char>(bytes[i])} << (48 - 8 * i);
-    }
+    std::memcpy(bytes.data(), text, left);
   }
-  return chunk << 8 | left;
+  std::uint64_t chunk = 0;
+  for (const char byte : bytes) chunk = chunk << 8 | static_cast<unsigned char>(byte);
+  return (chunk & ~kCount) | left;
 }
 
-bool GoesOn(const Key& key) { return (key.chunk & 0xFF) == kGoesOn; }
+// Adds a run whose chunks are all alike to `runs`, with the chunks that follow, unless its names
+// end.
+void LookFurther(Run run, std::vector<Run>& runs) {
+  if ((run.first->chunk & kCount) != kGoesOn) return;
+  run.position += kChunkBytes;
+  for (Key* key = run.first; key != run.last; ++key) {
+    key->chunk = ChunkOf(key->entry->GetName(), run.position);
+  }
+  runs.push_back(run);
+}
 
 // For runs so short that distributing them costs more than comparing.
-void SortByComparing(const Run& run) {
-  const auto isLess = [rest = run.position + kChunkBytes](const Key& a, const Key& b) {
-    if (a.chunk != b.chunk || !GoesOn(a)) return a.chunk < b.chunk;
-    return std::string_view(a.entry->GetName()).substr(rest) <
-           std::string_view(b.entry->GetName()).substr(rest);
-  };
+void SortByInsertion(const Run& run, std::vector<Run>& runs) {
   for (Key* key = run.first; key != run.last; ++key) {
     const Key moved = *key;
     Key* place = key;
-    for (; place != run.first && isLess(moved, place[-1]); --place) *place = place[-1];
+    for (; place != run.first && moved.chunk < place[-1].chunk; --place) *place = place[-1];
     *place = moved;
+  }
+  for (Key* first = run.first; first != run.last;) {
+    Key* last = first + 1;
+    while (last != run.last && last->chunk == first->chunk) ++last;
+    if (last - first > 1) LookFurther({first, last, run.position}, runs);
+    first = last;
   }
 }
 
-// Distributes a run by the highest bits in which its chunks differ, and adds what is left to sort
-// to `runs`. `buffer` has room for as many keys as the run has.
+// Distributes a run by the highest bits in which its chunks differ. `buffer` has room for as many
+// keys as the run has.
 void Distribute(const Run& run, Key* buffer, std::vector<Run>& runs) {
   std::uint64_t differing = 0;
   for (const Key* key = run.first; key != run.last; ++key) {
     differing |= key->chunk ^ run.first->chunk;
   }
   if (differing == 0) {
-    if (!GoesOn(*run.first)) return;
-    const std::size_t position = run.position + kChunkBytes;
-    for (Key* key = run.first; key != run.last; ++key) {
-      key->chunk = ChunkOf(key->entry->GetName(), position);
-    }
-    runs.push_back({run.first, run.last, position});
+    LookFurther(run, runs);
     return;
   }
 
-  constexpr int kBits = 8;
-  const int shift = std::max(0, 64 - __builtin_clzll(differing) - kBits);
-  const auto bucketOf = [shift](const Key& key) { return (key.chunk >> shift) & 0xFF; };
-  std::array<Key*, 1 << kBits> ends{};
-  {
-    std::array<std::size_t, 1 << kBits> sizes{};
-    for (const Key* key = run.first; key != run.last; ++key) ++sizes[bucketOf(*key)];
-    Key* first = run.first;
-    for (std::size_t bucket = 0; bucket < sizes.size(); ++bucket) {
-      if (sizes[bucket] > 1) runs.push_back({first, first + sizes[bucket], run.position});
-      ends[bucket] = first;
-      first += sizes[bucket];
-    }
+  // About half as many buckets as keys: more of them take more time than they save.
+  constexpr int kMostBits = 8;
+  const auto keys = static_cast<std::size_t>(run.last - run.first);
+  const int bits = std::min(kMostBits, static_cast<int>(std::bit_width(keys)) - 1);
+  const int shift = std::max(0, static_cast<int>(std::bit_width(differing)) - bits);
+  const std::size_t buckets = std::size_t{1} << bits;
+  const auto bucketOf = [=](const Key& key) { return (key.chunk >> shift) & (buckets - 1); };
+  std::array<std::size_t, 1 << kMostBits> sizes;
+  std::fill_n(sizes.begin(), buckets, 0);
+  for (const Key* key = run.first; key != run.last; ++key) ++sizes[bucketOf(*key)];
+  std::array<Key*, 1 << kMostBits> ends;
+  Key* first = run.first;
+  for (std::size_t bucket = 0; bucket < buckets; ++bucket) {
+    if (sizes[bucket] > 1) runs.push_back({first, first + sizes[bucket], run.position});
+    ends[bucket] = first;
+    first += sizes[bucket];
   }
   Key* const bufferEnd = std::copy(run.first, run.last, buffer);
   for (const Key* key = buffer; key != bufferEnd; ++key) *ends[bucketOf(*key)]++ = *key;
@@ -115,23 +122,24 @@ void IPPhoneDirectoryXML::SetPreviousURI(const std::string& /*uri*/) {}
 void IPPhoneDirectoryXML::SetNextURI(const std::string& /*uri*/) {}
 
 void IPPhoneDirectoryXML::SortDirectoryItems() {
-  constexpr std::ptrdiff_t kFewKeys = 20;
+  constexpr std::ptrdiff_t kFewKeys = 16;
   std::vector<Key> keys;
   keys.reserve(entries.size());
   for (const auto& entry : entries) keys.push_back({ChunkOf(entry->GetName(), 0), entry.get()});
   std::vector<Key> buffer(keys.size());
-  std::vector<Run> runs{{keys.data(), keys.data() + keys.size(), 0}};
+  std::vector<Run> runs;  // that wait to be sorted; all but the first have two keys at least
+  runs.reserve(keys.size() / 2 + 1);
+  runs.push_back({keys.data(), keys.data() + keys.size(), 0});
   while (!runs.empty()) {
     const Run run = runs.back();
     runs.pop_back();
     if (run.last - run.first <= kFewKeys) {
-      SortByComparing(run);
+      SortByInsertion(run, runs);
     } else {
       Distribute(run, buffer.data(), runs);
     }
   }
 
-  // From here on nothing can fail.
   for (auto& entry : entries) static_cast<void>(entry.release());
   for (std::size_t i = 0; i < keys.size(); ++i) entries[i].reset(keys[i].entry);
 }
