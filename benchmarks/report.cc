@@ -143,9 +143,7 @@ std::string Growth(const Results& results) {
     AppendRow(table, documents, {Rounded(run.nanoseconds / std::stod(documents))});
   }
   const std::string threads = "threads/whole job/real_time/threads:";
-  table += "\nTwo threads do " +
-           Rounded(results.At(threads + "2").counters.at("per_second").get<double>() /
-                   results.At(threads + "1").counters.at("per_second").get<double>()) +
+  table += "\nTwo threads do " + Rounded(results.Ratio(threads + "1", threads + "2")) +
            " times the work of one.\n";
   return table;
 }
