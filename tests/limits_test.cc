@@ -1,0 +1,70 @@
+// As much as may be asked of the library: very many, very long, and at once.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "documents.h"
+
+namespace {
+
+TEST(Limits, MillionEntries) {
+  constexpr int kEntries = 1000000;
+  CiscoIPPhoneDirectory directory("", kEntries);
+  for (int i = 0; i < kEntries; ++i) {
+    ASSERT_TRUE(directory.AppendEntry(std::to_string(1000000 + i * 7919L % kEntries), "1"));
+  }
+  EXPECT_FALSE(directory.AppendEntry("one more", "1"));
+  directory.SortDirectoryItems();
+  const std::string out = Rendered(directory);
+  std::size_t at = 0;
+  for (int i = 0; i < kEntries; ++i) {
+    at = out.find("<Name>", at) + 6;
+    ASSERT_EQ(out.compare(at, 8, std::to_string(1000000 + i) + "<"), 0) << i;
+  }
+  EXPECT_EQ(out.find("<Name>", at), out.npos);
+}
+
+TEST(Limits, VeryLongStrings) {
+  const std::string title(64 << 20, 't');
+  const std::string text(64 << 20, 'x');
+  PolycomIPPhoneTextScreen screen(title);
+  screen.SetText(text);
+  EXPECT_EQ(
+      Rendered(screen),
+      "<html>\n<Title>" + title + "</Title>\n<body>\n<p>" + text + "</p>\n</body>\n</html>\n");
+  SnomIPPhoneDirectory directory("", 0);
+  for (const char* end : {"b", "", "a"})
+    directory.AppendEntry(title + end, end[0] == 0 ? "0" : end);
+  directory.SortDirectoryItems();
+  const std::string out = Rendered(directory);
+  EXPECT_LT(out.find("<Telephone>0<"), out.find("<Telephone>a<"));
+  EXPECT_LT(out.find("<Telephone>a<"), out.find("<Telephone>b<"));
+}
+
+// Distinct documents need no lock; the thread sanitizer sees whether that holds.
+TEST(Threads, BuildAndRenderDistinctDocuments) {
+  std::vector<std::string> expected;
+  const auto renderAll = [] {
+    std::vector<std::string> texts;
+    for (const auto& documentClass : kDocumentClasses) {
+      const auto document = documentClass.make("Title", 10);
+      for (const auto& fill : FillingOperations(*document, "a value that needs an allocation")) {
+        fill(*document);
+      }
+      texts.push_back(Rendered(*document));
+    }
+    return texts;
+  };
+  expected = renderAll();
+  std::vector<std::vector<std::string>> rendered(8);
+  std::vector<std::thread> threads;
+  for (auto& texts : rendered) {
+    threads.emplace_back([&texts, &renderAll] {
+      for (int round = 0; round < 50; ++round) texts = renderAll();
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  for (const auto& texts : rendered) EXPECT_EQ(texts, expected);
+}
+
+}  // namespace
