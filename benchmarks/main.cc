@@ -88,8 +88,7 @@ void RegisterSorting(std::size_t count) {
   benchmark::RegisterBenchmark((work + "libteleform").c_str(),
                                [count](benchmark::State& state) {
                                  MeasureSorting(
-                                     state,
-                                     count,
+                                     state, count,
                                      [](const std::vector<Person>& people) {
                                        auto directory =
                                            std::make_unique<SnomIPPhoneDirectory>("", 0);
@@ -108,8 +107,7 @@ void RegisterSorting(std::size_t count) {
                                    std::vector<const std::string*> pointers;
                                  };
                                  MeasureSorting(
-                                     state,
-                                     count,
+                                     state, count,
                                      [](const std::vector<Person>& people) {
                                        auto names = std::make_unique<Names>();
                                        for (const auto& person : people)
@@ -120,8 +118,7 @@ void RegisterSorting(std::size_t count) {
                                      },
                                      [](auto& names) {
                                        std::stable_sort(
-                                           names->pointers.begin(),
-                                           names->pointers.end(),
+                                           names->pointers.begin(), names->pointers.end(),
                                            [](const auto* a, const auto* b) { return *a < *b; });
                                      });
                                })

@@ -53,15 +53,11 @@ std::string Rounded(double number) {
   return text.str();
 }
 
-const std::vector<std::string> kWork = {"directory 0",
-                                        "directory 10",
-                                        "directory 32",
-                                        "directory 1000",
-                                        "menu",
-                                        "status",
+const std::vector<std::string> kWork = {"directory 0",    "directory 10", "directory 32",
+                                        "directory 1000", "menu",         "status",
                                         "text screen"};
-const std::vector<std::string> kPeers = {
-    "chain of +=", "ostringstream", "{fmt}", "pugixml", "tinyxml2", "libxml2", "mustache"};
+const std::vector<std::string> kPeers = {"chain of +=", "ostringstream", "{fmt}",   "pugixml",
+                                         "tinyxml2",    "libxml2",       "mustache"};
 
 void AppendRow(std::string& table, const std::string& first,
                const std::vector<std::string>& cells) {
@@ -118,8 +114,7 @@ std::string Sorting(const Results& results) {
     const std::string suffix =
         std::string("/iterations:") + (names == "100000" ? "3" : "50") + "/manual_time";
     AppendRow(
-        table,
-        names,
+        table, names,
         {Rounded(results.At(work + "libteleform" + suffix).nanoseconds / 1000),
          Rounded(results.Ratio(work + "stable_sort" + suffix, work + "libteleform" + suffix))});
   }
@@ -131,8 +126,7 @@ std::string Growth(const Results& results) {
   AppendHead(table, "entries", {"ns per entry, whole job", "bytes of memory per entry"});
   for (const std::string entries : {"10", "100", "1000", "10000", "100000", "1000000"}) {
     const auto& run = results.At("growth/entries " + entries);
-    AppendRow(table,
-              entries,
+    AppendRow(table, entries,
               {Rounded(run.nanoseconds / std::stod(entries)),
                Rounded(run.counters.at("bytes_per_entry").get<double>())});
   }
@@ -165,15 +159,8 @@ void ReplaceMeasured(const std::string& path, const std::string& tables) {
 
 void WriteChart(const std::string& path, const Results& results) {
   std::ofstream out(path);
-  for (const std::string name : {"limit",
-                                 "libteleform",
-                                 "chain of +=",
-                                 "ostringstream",
-                                 "{fmt}",
-                                 "tinyxml2",
-                                 "pugixml",
-                                 "mustache",
-                                 "libxml2"}) {
+  for (const std::string name : {"limit", "libteleform", "chain of +=", "ostringstream", "{fmt}",
+                                 "tinyxml2", "pugixml", "mustache", "libxml2"}) {
     out << '"' << name << "\"";
     for (const std::string work : {"directory 32", "menu", "text screen"}) {
       const std::string prefix = work + "/fresh/";

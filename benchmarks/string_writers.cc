@@ -130,17 +130,13 @@ void StreamScreen(const Screen& screen, std::string& out) {
 
 void FormatDirectory(const Directory& directory, std::string& out) {
   const auto to = std::back_inserter(out);
-  fmt::format_to(to,
-                 "<CiscoIPPhoneDirectory previous=\"{}\" next=\"{}\">\n<Title>{}</Title>\n",
-                 directory.previous,
-                 directory.next,
-                 directory.title);
+  fmt::format_to(to, "<CiscoIPPhoneDirectory previous=\"{}\" next=\"{}\">\n<Title>{}</Title>\n",
+                 directory.previous, directory.next, directory.title);
   for (const auto& person : directory.people) {
     fmt::format_to(to,
                    "<DirectoryEntry>\n<Name>{}</Name>\n<Telephone>{}</Telephone>\n"
                    "</DirectoryEntry>\n",
-                   person.name,
-                   person.telephone);
+                   person.name, person.telephone);
   }
   fmt::format_to(to, "</CiscoIPPhoneDirectory>\n");
 }
@@ -152,17 +148,12 @@ void FormatMenu(const Menu& menu, std::string& out) {
                  "<Title>{}</Title>\n",
                  menu.title);
   for (const auto& item : menu.items) {
-    fmt::format_to(to,
-                   "<MenuItem>\n<Prompt>{}</Prompt>\n<URI>{}</URI>\n</MenuItem>\n",
-                   item.name,
+    fmt::format_to(to, "<MenuItem>\n<Prompt>{}</Prompt>\n<URI>{}</URI>\n</MenuItem>\n", item.name,
                    item.telephone);
   }
   for (const auto& key : menu.keys) {
-    fmt::format_to(to,
-                   "<SoftKey index = \"{}\">\n<Label>{}</Label>\n<URI>{}</URI>\n</SoftKey>\n",
-                   key.index,
-                   key.label,
-                   key.uri);
+    fmt::format_to(to, "<SoftKey index = \"{}\">\n<Label>{}</Label>\n<URI>{}</URI>\n</SoftKey>\n",
+                   key.index, key.label, key.uri);
   }
   fmt::format_to(to, "</AastraIPPhoneTextMenu>\n");
 }
@@ -172,39 +163,22 @@ void FormatStatus(const Status& status, std::string& out) {
                  "<AastraIPPhoneStatus>\n<Session>{}</Session>\n"
                  "<Message index=\"{}\" type=\"alert\" Timeout=\"{}\">\n{}</Message>\n"
                  "</AastraIPPhoneStatus>\n",
-                 status.session,
-                 status.index,
-                 status.timeout,
-                 status.message);
+                 status.session, status.index, status.timeout, status.message);
 }
 
 void FormatScreen(const Screen& screen, std::string& out) {
   fmt::format_to(std::back_inserter(out),
                  "<SnomIPPhoneText>\n<Title>{}</Title>\n<Text>{}</Text>\n<SoftKeyItem>\n"
                  "<Name>{}</Name>\n<URL>{}</URL>\n</SoftKeyItem>\n</SnomIPPhoneText>\n",
-                 screen.title,
-                 screen.text,
-                 screen.key,
-                 screen.url);
+                 screen.title, screen.text, screen.key, screen.url);
 }
 
 }  // namespace
 
-const std::vector<Contestant> kStringWriters = {{"chain of +=",
-                                                 true,
-                                                 RenderWith<AppendDirectory>,
-                                                 RenderWith<AppendMenu>,
-                                                 RenderWith<AppendStatus>,
-                                                 RenderWith<AppendScreen>},
-                                                {"ostringstream",
-                                                 true,
-                                                 RenderWith<StreamDirectory>,
-                                                 RenderWith<StreamMenu>,
-                                                 RenderWith<StreamStatus>,
-                                                 RenderWith<StreamScreen>},
-                                                {"{fmt}",
-                                                 true,
-                                                 RenderWith<FormatDirectory>,
-                                                 RenderWith<FormatMenu>,
-                                                 RenderWith<FormatStatus>,
-                                                 RenderWith<FormatScreen>}};
+const std::vector<Contestant> kStringWriters = {
+    {"chain of +=", true, RenderWith<AppendDirectory>, RenderWith<AppendMenu>,
+     RenderWith<AppendStatus>, RenderWith<AppendScreen>},
+    {"ostringstream", true, RenderWith<StreamDirectory>, RenderWith<StreamMenu>,
+     RenderWith<StreamStatus>, RenderWith<StreamScreen>},
+    {"{fmt}", true, RenderWith<FormatDirectory>, RenderWith<FormatMenu>, RenderWith<FormatStatus>,
+     RenderWith<FormatScreen>}};

@@ -21,8 +21,8 @@ void Fill(AastraIPPhoneMenu& document, const Menu& menu) {
 }
 
 void Fill(AastraIPPhoneStatus& document, const Status& status) {
-  document.SetMessage(
-      status.session, status.message, status.index, IPPhoneStatusXML::MsgTypeAlert, status.timeout);
+  document.SetMessage(status.session, status.message, status.index, IPPhoneStatusXML::MsgTypeAlert,
+                      status.timeout);
 }
 
 void Fill(SnomIPPhoneTextScreen& document, const Screen& screen) {

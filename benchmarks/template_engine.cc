@@ -91,5 +91,5 @@ Renderer RenderScreen(const Screen& screen) {
 
 }  // namespace
 
-const Contestant kTemplateEngine = {
-    "mustache", true, RenderDirectory, RenderMenu, RenderStatus, RenderScreen};
+const Contestant kTemplateEngine = {"mustache", true,         RenderDirectory,
+                                    RenderMenu, RenderStatus, RenderScreen};

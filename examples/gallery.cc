@@ -43,8 +43,7 @@ Contacts ReadContacts(const std::string& path) {
       throw std::runtime_error(path + ":" + std::to_string(number) +
                                ": expected a name, a telephone and a department with tabs between");
     }
-    contacts.push_back({line.substr(0, first),
-                        line.substr(first + 1, second - first - 1),
+    contacts.push_back({line.substr(0, first), line.substr(first + 1, second - first - 1),
                         line.substr(second + 1)});
   }
   if (file.bad()) throw std::runtime_error(path + ": " + std::strerror(errno));
@@ -154,11 +153,8 @@ const std::vector<Exhibit> kGallery = {
     {"AastraIPPhoneStatus",
      [](const Contacts& contacts) {
        auto status = std::make_unique<AastraIPPhoneStatus>();
-       status->SetMessage("phonebook",
-                          "Missed: " + Escaped(contacts.front().name),
-                          1,
-                          IPPhoneStatusXML::MsgTypeAlert,
-                          10);
+       status->SetMessage("phonebook", "Missed: " + Escaped(contacts.front().name), 1,
+                          IPPhoneStatusXML::MsgTypeAlert, 10);
        status->SetAttributes(AttrBeep);
        return status;
      }},
@@ -238,8 +234,7 @@ int main(int argc, char** argv) {
   }
   std::vector<Exhibit> chosen = kGallery;
   if (argc == 3) {
-    chosen.erase(std::remove_if(chosen.begin(),
-                                chosen.end(),
+    chosen.erase(std::remove_if(chosen.begin(), chosen.end(),
                                 [&](const Exhibit& exhibit) {
                                   return std::string_view(exhibit.name) != argv[2];
                                 }),

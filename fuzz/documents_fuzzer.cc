@@ -40,12 +40,8 @@ class Session {
     if (holds) return;
     std::string out;
     document->Render(out);
-    std::fprintf(stderr,
-                 "%s of %s differs\n--- library\n%s\n--- model\n%s\n",
-                 what,
-                 std::string(model.kind.name).c_str(),
-                 out.c_str(),
-                 model.Text().c_str());
+    std::fprintf(stderr, "%s of %s differs\n--- library\n%s\n--- model\n%s\n", what,
+                 std::string(model.kind.name).c_str(), out.c_str(), model.Text().c_str());
     std::abort();
   }
 
@@ -184,8 +180,8 @@ class Session {
     const int alert = input.ConsumeIntegralInRange(-1, 2);
     const int timeout =
         input.ConsumeBool() ? input.ConsumeIntegral<int>() : input.ConsumeIntegralInRange(-2, 2);
-    status.SetMessage(
-        session, message, index, static_cast<IPPhoneStatusXML::MsgType>(alert), timeout);
+    status.SetMessage(session, message, index, static_cast<IPPhoneStatusXML::MsgType>(alert),
+                      timeout);
     model.Set("session", session);
     model.Set("message", message);
     model.Set("index", std::to_string(index));

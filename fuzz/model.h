@@ -27,93 +27,62 @@ inline constexpr std::array<ModelClass, 15> kModelClasses = {{
     {"AastraIPPhoneTextScreen",
      "<AastraIPPhoneTextScreen{destroyOnExit}{beep}>\n<Title>{title}</Title>\n"
      "<Text>{textToNul}</Text>\n{keys}</AastraIPPhoneTextScreen>\n",
-     "",
-     false,
-     "Aastra"},
+     "", false, "Aastra"},
     {"AastraIPPhoneMenu",
      "<AastraIPPhoneTextMenu{destroyOnExit}{beep}>\n<Title>{title}</Title>\n{elements}{keys}"
      "</AastraIPPhoneTextMenu>\n",
-     kMenuItem,
-     true,
-     "Aastra"},
+     kMenuItem, true, "Aastra"},
     {"AastraIPPhoneDirectory",
      "<AastraIPPhoneDirectory{previous}{next}{destroyOnExit}{beep}>\n<Title>{title}</Title>\n"
      "{elements}{keys}</AastraIPPhoneDirectory>\n",
-     kMenuItem,
-     true,
-     "Aastra"},
+     kMenuItem, true, "Aastra"},
     {"AastraIPPhoneInput",
      "<AastraIPPhoneInputScreen type = \"{type}\"{password}{destroyOnExit}{beep}>\n"
      "<Title>{title}</Title>\n<Prompt>{prompt}</Prompt>\n<URL>{url}</URL>\n"
      "<Parameter>{parameter}</Parameter>\n<Default>{default}</Default>\n{keys}"
      "</AastraIPPhoneInputScreen>\n",
-     "",
-     false,
-     "Aastra"},
+     "", false, "Aastra"},
     {"AastraIPPhoneExecute",
      "<AastraIPPhoneExecute{destroyOnExit}{beep}>\n<ExecuteItem URI=\"{title}\"/>\n{keys}"
      "</AastraIPPhoneExecute>\n",
-     "",
-     false,
-     "Aastra"},
+     "", false, "Aastra"},
     {"AastraIPPhoneStatus",
      "<AastraIPPhoneStatus{beep}>\n<Session>{session}</Session>\n"
      "<Message index=\"{index}\"{alert}{timeout}>\n{message}</Message>\n{keys}"
      "</AastraIPPhoneStatus>\n",
-     "",
-     false,
-     "Aastra"},
+     "", false, "Aastra"},
     {"CiscoIPPhoneDirectory",
      "<CiscoIPPhoneDirectory{previous}{next}>\n<Title>{title}</Title>\n{elements}"
      "</CiscoIPPhoneDirectory>\n",
-     kPerson,
-     true,
-     ""},
+     kPerson, true, ""},
     {"PolycomIPPhoneTextScreen",
-     "<html>\n<Title>{title}</Title>\n<body>\n<p>{text}</p>\n</body>\n</html>\n",
-     "",
-     false,
-     ""},
+     "<html>\n<Title>{title}</Title>\n<body>\n<p>{text}</p>\n</body>\n</html>\n", "", false, ""},
     {"SnomIPPhoneTextScreen",
      "<SnomIPPhoneText>\n<Title>{title}</Title>\n<Text>{text}</Text>\n{keys}</SnomIPPhoneText>\n",
-     "",
-     false,
-     "Snom"},
+     "", false, "Snom"},
     {"SnomIPPhoneMenu",
      "<SnomIPPhoneDirectory>\n<Title>{title}</Title>\n{elements}{keys}</SnomIPPhoneDirectory>\n",
-     kPerson,
-     false,
-     "Snom"},
+     kPerson, false, "Snom"},
     {"SnomIPPhoneDirectory",
      "<SnomIPPhoneDirectory>\n<Title>{title}</Title>\n{elements}{keys}</SnomIPPhoneDirectory>\n",
-     kPerson,
-     false,
-     "Snom"},
+     kPerson, false, "Snom"},
     {"SnomIPPhoneInput",
      "<SnomIPPhoneInput>\n<Title>{title}</Title>\n<Prompt>{prompt}</Prompt>\n<URL>{url}</URL>\n"
      "<InputItem>\n<DisplayName>{prompt}</DisplayName>\n"
      "<QueryStringParam>{parameter}</QueryStringParam>\n<DefaultValue>{default}</DefaultValue>\n"
      "<InputFlags>{type}</InputFlags>\n</InputItem>\n{keys}</SnomIPPhoneInput>\n",
-     "",
-     false,
-     "Snom"},
+     "", false, "Snom"},
     {"YealinkIPPhoneTextScreen",
      "<YealinkIPPhoneText>\n<Title>{title}</Title>\n<Text>{text}</Text>\n</YealinkIPPhoneText>\n",
-     "",
-     false,
-     ""},
+     "", false, ""},
     {"YealinkIPPhoneMenu",
      "<YealinkIPPhoneDirectory>\n<Title>{title}</Title>\n{elements}{keys}"
      "</YealinkIPPhoneDirectory>\n",
-     kPerson,
-     false,
-     "Yealink"},
+     kPerson, false, "Yealink"},
     {"YealinkIPPhoneDirectory",
      "<YealinkIPPhoneDirectory>\n<Title>{title}</Title>\n{elements}{keys}"
      "</YealinkIPPhoneDirectory>\n",
-     kPerson,
-     false,
-     "Yealink"},
+     kPerson, false, "Yealink"},
 }};
 
 using Values = std::map<std::string, std::string, std::less<>>;
@@ -190,22 +159,11 @@ class Model {
 
 // The names of the soft-key commands, by their values; anything else is what `fallback` says.
 inline std::string KeyName(std::string_view maker, int command) {
-  static const std::vector<std::string> kAastra = {
-      "Select", "Exit", "Dial", "Submit", "BackSpace", "NextSpace", "Dot", "ChangeMode"};
-  static const std::vector<std::string> kPlain = {"CANCEL",
-                                                  "ENTER",
-                                                  "ONHOOK",
-                                                  "RIGHT",
-                                                  "LEFT",
-                                                  "REDIAL",
-                                                  "SPEAKER",
-                                                  "TRANSFER",
-                                                  "CONFERENCE",
-                                                  "HELP",
-                                                  "F_MUTE",
-                                                  "F_UP",
-                                                  "F_DOWN",
-                                                  "REC"};
+  static const std::vector<std::string> kAastra = {"Select",    "Exit",      "Dial", "Submit",
+                                                   "BackSpace", "NextSpace", "Dot",  "ChangeMode"};
+  static const std::vector<std::string> kPlain = {
+      "CANCEL",   "ENTER",      "ONHOOK", "RIGHT",  "LEFT", "REDIAL", "SPEAKER",
+      "TRANSFER", "CONFERENCE", "HELP",   "F_MUTE", "F_UP", "F_DOWN", "REC"};
   static const std::vector<std::string> kBrowser = {
       "SELECT", "EXIT", "UPDATE", "SEARCH", "CANCEL", "BACK", "DIAL", "EDIT_DIAL", "EDIT_NEXT"};
   if (maker == "Aastra") {

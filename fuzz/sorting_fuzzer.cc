@@ -69,8 +69,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   OpenDirectory directory(pairs);
   directory.SortDirectoryItems();
-  std::stable_sort(
-      pairs.begin(), pairs.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::stable_sort(pairs.begin(), pairs.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
   Expect(directory.Content() == pairs);
   directory.CheckOrder();
   return 0;

@@ -18,9 +18,8 @@ TEST(Cisco, Directory) {
   directory.SetPreviousURI("http://server/?page=0&size=3");
   directory.SetNextURI("http://server/?page=2&size=3");
   directory.SortDirectoryItems();
-  EXPECT_EQ(Rendered(directory),
-            R"(<CiscoIPPhoneDirectory previous="http://server/?page=0&size=3")"
-            R"( next="http://server/?page=2&size=3">
+  EXPECT_EQ(Rendered(directory), R"(<CiscoIPPhoneDirectory previous="http://server/?page=0&size=3")"
+                                 R"( next="http://server/?page=2&size=3">
 <Title>Group <1></Title>
 <DirectoryEntry>
 <Name>Bob</Name>

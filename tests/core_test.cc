@@ -104,9 +104,8 @@ void ExpectSorted(const std::vector<std::string>& names) {
   PlainDirectory directory;
   for (std::size_t i = 0; i < names.size(); ++i) directory.Append(names[i], std::to_string(i));
   auto expected = directory.Content();
-  std::stable_sort(expected.begin(), expected.end(), [](const auto& a, const auto& b) {
-    return a.first < b.first;
-  });
+  std::stable_sort(expected.begin(), expected.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
   directory.SortDirectoryItems();
   ASSERT_EQ(directory.Content(), expected);
   directory.SortDirectoryItems();

@@ -11,7 +11,8 @@
 int main(int argc, char** argv) {
   if (argc < 3) return 2;
   std::ofstream source(argv[1]);
-  source << "#include <gtest/gtest.h>\n#include <teleform/teleform.h>\n";
+  source << "#include <gtest/gtest.h>\n#include <teleform/teleform.h>\n#include \"documents.h\"\n";
+  std::string shown;
   int examples = 0;
   for (int page = 2; page < argc; ++page) {
     std::ifstream file(argv[page]);
@@ -30,6 +31,7 @@ int main(int argc, char** argv) {
           const std::string name = std::filesystem::path(argv[page]).stem().string();
           source << "TEST(Documentation, " << name << "Line" << number << ") {\n"
                  << code << "EXPECT_EQ(out, R\"~~(" << block << ")~~\");\n}\n";
+          shown += "{\"" + code.substr(0, code.find(' ')) + "\", R\"~~(" + block + ")~~\"},\n";
           code.clear();
           ++examples;
         }
@@ -41,6 +43,7 @@ int main(int argc, char** argv) {
       return 1;
     }
   }
+  source << "const std::map<std::string, std::string> kShownDocuments = {" << shown << "};\n";
   std::cout << examples << " examples\n";
   return source.flush() && examples > 0 ? 0 : 1;
 }

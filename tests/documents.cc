@@ -20,15 +20,15 @@ std::vector<Operation> FillingOperations(IPPhoneXML& document, const std::string
   AddIf<IPPhoneDirectoryXML>(all, document, [=](auto& list) { list.SetPreviousURI(value); });
   AddIf<IPPhoneDirectoryXML>(all, document, [=](auto& list) { list.SetNextURI(value); });
   AddIf<IPPhoneDirectoryXML>(all, document, [=](auto& list) { list.SortDirectoryItems(); });
-  AddIf<IPPhoneInputXML>(
-      all, document, [=](auto& form) { form.SetParams(value, value, value, value); });
+  AddIf<IPPhoneInputXML>(all, document,
+                         [=](auto& form) { form.SetParams(value, value, value, value); });
   AddIf<IPPhoneStatusXML>(all, document, [=](auto& status) {
     status.SetMessage(value, value, -2147483647, IPPhoneStatusXML::MsgTypeAlert, 2147483647);
   });
   AddIf<AastraIPPhone>(
       all, document, [=](auto& keys) { keys.AddSoftKey(6, value.c_str(), AASTRA_SK_CHANGEMODE); });
-  AddIf<AastraIPPhone>(
-      all, document, [=](auto& keys) { keys.AddSoftKey(1, value.c_str(), value.c_str()); });
+  AddIf<AastraIPPhone>(all, document,
+                       [=](auto& keys) { keys.AddSoftKey(1, value.c_str(), value.c_str()); });
   AddIf<SnomIPPhone>(all, document, [=](auto& keys) {
     keys.AddSoftKey(SNOM_SK_F_MINIBROWSER_EDIT_NEXT, value.c_str());
   });

@@ -129,17 +129,23 @@ TEST_P(EveryDocument, LinksThePagesBeforeAndAfterWhereItsPhonesKnowLinks) {
 
 TEST_P(EveryDocument, CanBeDeletedThroughEachBase) {
   const long before = Allocations::Watch().alive;
-  const auto deleteThrough = [](auto* base) { delete base; };
-  MakeFilled(kLong).reset();
-  if (auto document = MakeFilled(kLong); dynamic_cast<AastraIPPhone*>(document.get()) != nullptr) {
-    deleteThrough(dynamic_cast<AastraIPPhone*>(document.release()));
-  }
-  if (auto document = MakeFilled(kLong); dynamic_cast<SnomIPPhone*>(document.get()) != nullptr) {
-    deleteThrough(dynamic_cast<SnomIPPhone*>(document.release()));
-  }
-  if (auto document = MakeFilled(kLong); dynamic_cast<YealinkIPPhone*>(document.get()) != nullptr) {
-    deleteThrough(dynamic_cast<YealinkIPPhone*>(document.release()));
-  }
+  const auto deleteThrough = [](auto* none) {
+    auto document = MakeFilled(kLong);
+    auto* const base = dynamic_cast<decltype(none)>(document.get());
+    if (base == nullptr) return;
+    static_cast<void>(document.release());
+    delete base;
+  };
+  deleteThrough(static_cast<IPPhoneXML*>(nullptr));
+  deleteThrough(static_cast<IPPhoneTextScreenXML*>(nullptr));
+  deleteThrough(static_cast<IPPhoneMenuXML*>(nullptr));
+  deleteThrough(static_cast<IPPhoneDirectoryXML*>(nullptr));
+  deleteThrough(static_cast<IPPhoneInputXML*>(nullptr));
+  deleteThrough(static_cast<IPPhoneExecuteXML*>(nullptr));
+  deleteThrough(static_cast<IPPhoneStatusXML*>(nullptr));
+  deleteThrough(static_cast<AastraIPPhone*>(nullptr));
+  deleteThrough(static_cast<SnomIPPhone*>(nullptr));
+  deleteThrough(static_cast<YealinkIPPhone*>(nullptr));
   EXPECT_EQ(Allocations::Watch().alive, before);
 }
 

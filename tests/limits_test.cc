@@ -29,9 +29,8 @@ TEST(Limits, VeryLongStrings) {
   const std::string text(64 << 20, 'x');
   PolycomIPPhoneTextScreen screen(title);
   screen.SetText(text);
-  EXPECT_EQ(
-      Rendered(screen),
-      "<html>\n<Title>" + title + "</Title>\n<body>\n<p>" + text + "</p>\n</body>\n</html>\n");
+  EXPECT_EQ(Rendered(screen), "<html>\n<Title>" + title + "</Title>\n<body>\n<p>" + text +
+                                  "</p>\n</body>\n</html>\n");
   SnomIPPhoneDirectory directory("", 0);
   for (const char* end : {"b", "", "a"})
     directory.AppendEntry(title + end, end[0] == 0 ? "0" : end);

@@ -15,10 +15,7 @@ TEST(Append, WritesPiecesInTheirOrder) {
   const std::string text = "text";
   const std::string numbers = "123";
   std::string out = "kept ";
-  Append(out,
-         "<a",
-         When(true, " b=\"", text, "\""),
-         When(false, " c=\"", text, "\""),
+  Append(out, "<a", When(true, " b=\"", text, "\""), When(false, " c=\"", text, "\""),
          Line(">", std::string_view(text).substr(1), "</a>\n"),
          Each(numbers, [](const char& digit) { return Pieces(std::string_view(&digit, 1), ";"); }),
          "");

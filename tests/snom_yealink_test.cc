@@ -1,40 +1,29 @@
 // The Snom and the Yealink documents write the same elements under different roots; what differs
-// is told by `Snom` and `Yealink` below.
+// is the names, and one key.
 #include <gtest/gtest.h>
 
 #include "documents.h"
 
 namespace {
 
-struct Snom {
-  using TextScreen = SnomIPPhoneTextScreen;
-  using Menu = SnomIPPhoneMenu;
-  using MenuItem = SnomIPPhoneMenuItem;
-  using Directory = SnomIPPhoneDirectory;
-  using DirectoryEntry = SnomIPPhoneDirectoryEntry;
-  using SoftKey = SnomSoftKey;
-  using SoftKeyCommands = SnomSoftKeyCommands;
-  struct Holder : SnomIPPhone {
-    using SnomIPPhone::softKeys;
-  };
-  static constexpr const char* kMaker = "Snom";
-  static constexpr const char* kOwnKey = "SNOM";
-};
-
-struct Yealink {
-  using TextScreen = YealinkIPPhoneTextScreen;
-  using Menu = YealinkIPPhoneMenu;
-  using MenuItem = YealinkIPPhoneMenuItem;
-  using Directory = YealinkIPPhoneDirectory;
-  using DirectoryEntry = YealinkIPPhoneDirectoryEntry;
-  using SoftKey = YealinkSoftKey;
-  using SoftKeyCommands = YealinkSoftKeyCommands;
-  struct Holder : YealinkIPPhone {
-    using YealinkIPPhone::softKeys;
-  };
-  static constexpr const char* kMaker = "Yealink";
-  static constexpr const char* kOwnKey = "Yealink";
-};
+#define MAKER(Maker, ownKey)                             \
+  struct Maker {                                         \
+    using TextScreen = Maker##IPPhoneTextScreen;         \
+    using Menu = Maker##IPPhoneMenu;                     \
+    using MenuItem = Maker##IPPhoneMenuItem;             \
+    using Directory = Maker##IPPhoneDirectory;           \
+    using DirectoryEntry = Maker##IPPhoneDirectoryEntry; \
+    using SoftKey = Maker##SoftKey;                      \
+    using SoftKeyCommands = Maker##SoftKeyCommands;      \
+    struct Holder : Maker##IPPhone {                     \
+      using Maker##IPPhone::softKeys;                    \
+    };                                                   \
+    static constexpr const char* kMaker = #Maker;        \
+    static constexpr const char* kOwnKey = ownKey;       \
+  }
+MAKER(Snom, "SNOM");
+MAKER(Yealink, "Yealink");
+#undef MAKER
 
 template <typename Maker>
 class SnomAndYealink : public testing::Test {
