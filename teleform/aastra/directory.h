@@ -11,6 +11,7 @@
 /// An entry that is written as a `MenuItem` element, both fields whole.
 class TELEFORM_EXPORT AastraIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
  public:
+  /// Copies both strings whole.
   AastraIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   ~AastraIPPhoneDirectoryEntry() override;
 

@@ -23,10 +23,13 @@ enum AastraSoftKeyCommands : int {
 /// Only `AastraIPPhone::AddSoftKey` makes one.
 class TELEFORM_EXPORT AastraSoftKey {
  public:
-  AastraSoftKey(const AastraSoftKey& other);
-  AastraSoftKey(AastraSoftKey&& other) noexcept;
-  AastraSoftKey& operator=(const AastraSoftKey& other);
-  AastraSoftKey& operator=(AastraSoftKey&& other) noexcept;
+  /// @name A key is a value
+  /// @{
+  AastraSoftKey(const AastraSoftKey& other);                 ///< Copies the strings.
+  AastraSoftKey(AastraSoftKey&& other) noexcept;             ///< Leaves `other` with any strings.
+  AastraSoftKey& operator=(const AastraSoftKey& other);      ///< Copies the strings.
+  AastraSoftKey& operator=(AastraSoftKey&& other) noexcept;  ///< Leaves `other` with any strings.
+  /// @}
   virtual ~AastraSoftKey();
 
   /// Appends the key's `SoftKey` element, as `IPPhoneXML::Render` appends a document.
@@ -34,7 +37,10 @@ class TELEFORM_EXPORT AastraSoftKey {
 
   /// The position, 1 to 6.
   int GetIndex() const noexcept { return index; }
+  /// The text on the key, whole; it stays the key's.
   const std::string& GetLabel() const noexcept { return label; }
+
+  /// What the key runs, whole; it stays the key's.
   const std::string& GetURI() const noexcept { return URI; }
 
  private:
@@ -67,5 +73,5 @@ class TELEFORM_EXPORT AastraIPPhone {
   bool AddSoftKey(int index, const char* label, const char* uri);
 
  protected:
-  std::vector<AastraSoftKey> softKeys;
+  std::vector<AastraSoftKey> softKeys;  ///< The keys in the order in which they were added.
 };

@@ -10,6 +10,7 @@
 /// An entry that is written as a `DirectoryEntry` element, both fields whole.
 class TELEFORM_EXPORT CiscoIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
  public:
+  /// Copies both strings whole.
   CiscoIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   ~CiscoIPPhoneDirectoryEntry() override;
 

@@ -15,6 +15,7 @@ class TELEFORM_EXPORT IPPhoneDirectoryEntry {
  public:
   /// Copies both strings whole; either may be empty and may hold NULs.
   IPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
+  /// Copies both strings.
   IPPhoneDirectoryEntry(const IPPhoneDirectoryEntry& other);
   IPPhoneDirectoryEntry& operator=(const IPPhoneDirectoryEntry&) = delete;
   virtual ~IPPhoneDirectoryEntry();
@@ -27,18 +28,21 @@ class TELEFORM_EXPORT IPPhoneDirectoryEntry {
   /// Bytes compare as unsigned, without regard to locale or letter case, and a name comes before
   /// the longer names that begin with it. The telephone takes no part.
   /// @{
-  bool operator<(const IPPhoneDirectoryEntry& other);
-  bool operator<=(const IPPhoneDirectoryEntry& other);
-  bool operator>(const IPPhoneDirectoryEntry& other);
-  bool operator>=(const IPPhoneDirectoryEntry& other);
+  bool operator<(const IPPhoneDirectoryEntry& other);   ///< Whether this name comes first.
+  bool operator<=(const IPPhoneDirectoryEntry& other);  ///< The same, or the names are equal.
+  bool operator>(const IPPhoneDirectoryEntry& other);   ///< Whether this name comes last.
+  bool operator>=(const IPPhoneDirectoryEntry& other);  ///< The same, or the names are equal.
   /// @}
 
+  /// The name, whole; it stays the entry's.
   const std::string& GetName() const noexcept { return name; }
+
+  /// The telephone number or URI, whole; it stays the entry's.
   const std::string& GetTelephone() const noexcept { return telephone; }
 
  protected:
-  std::string name;
-  std::string telephone;
+  std::string name;       ///< What `GetName` returns.
+  std::string telephone;  ///< What `GetTelephone` returns.
 };
 
 /// Writes the name of `entry`, NULs included, and nothing else.

@@ -58,10 +58,10 @@ class TELEFORM_EXPORT IPPhoneXML {
   /// @param title ends at its NUL; null is the empty title.
   explicit IPPhoneXML(const char* title);
 
-  bool destroyOnExit = false;
-  bool beep = false;
-  std::string title;
-  std::string contentType;
+  bool destroyOnExit = false;  ///< Whether `AttrDestroyOnExit` is set.
+  bool beep = false;           ///< Whether `AttrBeep` is set.
+  std::string title;           ///< What `GetTitle` returns; it never changes.
+  std::string contentType;     ///< What `GetContentType` returns.
 };
 
 /// A screen with a title and one block of text.
@@ -73,6 +73,7 @@ class TELEFORM_EXPORT IPPhoneTextScreenXML : public IPPhoneXML {
   virtual void SetText(const std::string& text) = 0;
 
  protected:
+  /// @param title ends at its NUL; null is the empty title.
   explicit IPPhoneTextScreenXML(const char* title);
 };
 
@@ -93,10 +94,11 @@ class TELEFORM_EXPORT IPPhoneMenuXML : public IPPhoneXML {
   virtual void SetNextURI(const std::string& uri);
 
  protected:
+  /// @param title ends at its NUL; null is the empty title.
   /// @param maxItems stored as it is; with makers that enforce it, 0 and less refuse every item.
   IPPhoneMenuXML(const char* title, int maxItems);
 
-  int maxItems;
+  int maxItems;  ///< The limit, as the constructor got it.
 };
 
 /// A title and a list of entries, each a name with a telephone number or URI.
@@ -121,10 +123,14 @@ class TELEFORM_EXPORT IPPhoneDirectoryXML : public IPPhoneXML {
   virtual void SortDirectoryItems();
 
  protected:
+  /// @param title ends at its NUL; null is the empty title.
   /// @param maxItems stored as it is; with makers that enforce it, 0 and less refuse every entry.
   IPPhoneDirectoryXML(const char* title, int maxItems);
 
-  int maxItems;
+  int maxItems;  ///< The limit, as the constructor got it.
+
+  /// The entries in the order in which they are written; none is null, and each is of the entry
+  /// class of the directory that appended it.
   std::vector<std::unique_ptr<IPPhoneDirectoryEntry>> entries;
 };
 
@@ -143,6 +149,7 @@ class TELEFORM_EXPORT IPPhoneInputXML : public IPPhoneXML {
                          const std::string& parameter, const std::string& defaultValue) = 0;
 
  protected:
+  /// @param title ends at its NUL; null is the empty title.
   explicit IPPhoneInputXML(const char* title);
 };
 
@@ -152,6 +159,7 @@ class TELEFORM_EXPORT IPPhoneExecuteXML : public IPPhoneXML {
   ~IPPhoneExecuteXML() override;
 
  protected:
+  /// @param title ends at its NUL; null is the empty title.
   explicit IPPhoneExecuteXML(const char* title);
 };
 
@@ -170,6 +178,7 @@ class TELEFORM_EXPORT IPPhoneStatusXML : public IPPhoneXML {
   /// @param session the session to which the message belongs; written whole.
   /// @param message the text; written whole.
   /// @param index the message's index; any number.
+  /// @param type a plain message or an alert.
   /// @param timeout in the phone's unit; only an alert has one, and only above 0.
   virtual void SetMessage(const std::string& session, const std::string& message, int index,
                           MsgType type, int timeout) = 0;

@@ -12,6 +12,7 @@
 /// A prompt and the URI that it leads to; both are written whole.
 class TELEFORM_EXPORT SnomIPPhoneMenuItem {
  public:
+  /// Copies both strings whole.
   SnomIPPhoneMenuItem(const std::string& prompt, const std::string& uri);
   virtual ~SnomIPPhoneMenuItem();
   SnomIPPhoneMenuItem(const SnomIPPhoneMenuItem&) = delete;
@@ -20,7 +21,10 @@ class TELEFORM_EXPORT SnomIPPhoneMenuItem {
   /// Appends the item's `DirectoryEntry` element, as `IPPhoneXML::Render` appends a document.
   void Render(std::string& out);
 
+  /// The text of the item, whole; it stays the item's.
   const std::string& GetPrompt() const noexcept { return prompt; }
+
+  /// Where the item leads, whole; it stays the item's.
   const std::string& GetURI() const noexcept { return URI; }
 
  private:

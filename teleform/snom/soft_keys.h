@@ -53,16 +53,22 @@ class TELEFORM_EXPORT SnomSoftKey {
  public:
   /// A key with an empty name and an empty URL.
   SnomSoftKey();
-  SnomSoftKey(const SnomSoftKey& other);
-  SnomSoftKey(SnomSoftKey&& other) noexcept;
-  SnomSoftKey& operator=(const SnomSoftKey& other);
-  SnomSoftKey& operator=(SnomSoftKey&& other) noexcept;
+  /// @name A key is a value
+  /// @{
+  SnomSoftKey(const SnomSoftKey& other);                 ///< Copies the strings.
+  SnomSoftKey(SnomSoftKey&& other) noexcept;             ///< Leaves `other` with any strings.
+  SnomSoftKey& operator=(const SnomSoftKey& other);      ///< Copies the strings.
+  SnomSoftKey& operator=(SnomSoftKey&& other) noexcept;  ///< Leaves `other` with any strings.
+  /// @}
   virtual ~SnomSoftKey();
 
   /// Appends the key's `SoftKeyItem` element, as `IPPhoneXML::Render` appends a document.
   void Render(std::string& out);
 
+  /// The name of the phone's key; it stays the key's.
   const std::string& GetName() const noexcept { return name; }
+
+  /// What the key loads; it stays the key's.
   const std::string& GetURL() const noexcept { return URL; }
 
  private:
@@ -90,5 +96,5 @@ class TELEFORM_EXPORT SnomIPPhone {
   bool AddSoftKey(SnomSoftKeyCommands command, const char* text);
 
  protected:
-  std::vector<SnomSoftKey> softKeys;
+  std::vector<SnomSoftKey> softKeys;  ///< The keys in the order in which they were added.
 };

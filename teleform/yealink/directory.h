@@ -11,6 +11,7 @@
 /// An entry that is written as a `DirectoryEntry` element, both fields whole.
 class TELEFORM_EXPORT YealinkIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
  public:
+  /// Copies both strings whole.
   YealinkIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   ~YealinkIPPhoneDirectoryEntry() override;
 

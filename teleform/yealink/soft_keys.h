@@ -53,16 +53,22 @@ class TELEFORM_EXPORT YealinkSoftKey {
  public:
   /// A key with an empty name and an empty URL.
   YealinkSoftKey();
-  YealinkSoftKey(const YealinkSoftKey& other);
-  YealinkSoftKey(YealinkSoftKey&& other) noexcept;
-  YealinkSoftKey& operator=(const YealinkSoftKey& other);
-  YealinkSoftKey& operator=(YealinkSoftKey&& other) noexcept;
+  /// @name A key is a value
+  /// @{
+  YealinkSoftKey(const YealinkSoftKey& other);                 ///< Copies the strings.
+  YealinkSoftKey(YealinkSoftKey&& other) noexcept;             ///< Leaves `other` with any strings.
+  YealinkSoftKey& operator=(const YealinkSoftKey& other);      ///< Copies the strings.
+  YealinkSoftKey& operator=(YealinkSoftKey&& other) noexcept;  ///< Leaves `other` with any strings.
+  /// @}
   virtual ~YealinkSoftKey();
 
   /// Appends the key's `SoftKeyItem` element, as `IPPhoneXML::Render` appends a document.
   void Render(std::string& out);
 
+  /// The name of the phone's key; it stays the key's.
   const std::string& GetName() const noexcept { return name; }
+
+  /// What the key loads; it stays the key's.
   const std::string& GetURL() const noexcept { return URL; }
 
  private:
@@ -90,5 +96,5 @@ class TELEFORM_EXPORT YealinkIPPhone {
   bool AddSoftKey(YealinkSoftKeyCommands command, const char* text);
 
  protected:
-  std::vector<YealinkSoftKey> softKeys;
+  std::vector<YealinkSoftKey> softKeys;  ///< The keys in the order in which they were added.
 };
