@@ -17,11 +17,6 @@
 
 namespace {
 
-struct Result {
-  double nanoseconds;
-  nlohmann::json counters;
-};
-
 class Results {
  public:
   explicit Results(const std::string& path) {
@@ -30,20 +25,21 @@ class Results {
     for (const auto& run : results.at("benchmarks")) {
       if (run.value("aggregate_name", "") != "median") continue;
       if (run.at("time_unit") != "ns") throw std::runtime_error(path + ": not in nanoseconds");
-      medians[run.at("run_name")] = {run.at("real_time").get<double>(), run};
+      medians[run.at("run_name")] = run;
     }
   }
-  const Result& At(const std::string& name) const {
+  const nlohmann::json& At(const std::string& name) const {
     const auto found = medians.find(name);
     if (found == medians.end()) throw std::runtime_error("not measured: " + name);
     return found->second;
   }
+  double Nanoseconds(const std::string& name) const { return At(name).at("real_time"); }
   double Ratio(const std::string& a, const std::string& b) const {
-    return At(a).nanoseconds / At(b).nanoseconds;
+    return Nanoseconds(a) / Nanoseconds(b);
   }
 
  private:
-  std::map<std::string, Result> medians;
+  std::map<std::string, nlohmann::json> medians;
 };
 
 std::string Rounded(double number) {
@@ -83,9 +79,8 @@ std::string Renderings(const Results& results, const std::string& string) {
     for (const auto& work : kWork) cells.push_back(cellOf(work + "/" + string + "/"));
     AppendRow(table, label, cells);
   };
-  row("libteleform, ns", [&](const std::string& work) {
-    return Rounded(results.At(work + "libteleform").nanoseconds);
-  });
+  row("libteleform, ns",
+      [&](const std::string& work) { return Rounded(results.Nanoseconds(work + "libteleform")); });
   row("libteleform / limit", [&](const std::string& work) {
     return Rounded(results.Ratio(work + "libteleform", work + "limit"));
   });
@@ -95,7 +90,7 @@ std::string Renderings(const Results& results, const std::string& string) {
     });
   }
   row("whole job, ns", [&](const std::string& work) {
-    return Rounded(results.At(work + "libteleform, whole job").nanoseconds);
+    return Rounded(results.Nanoseconds(work + "libteleform, whole job"));
   });
   for (const std::string peer : {"pugixml", "tinyxml2"}) {
     row(peer + " / whole job", [&](const std::string& work) {
@@ -115,7 +110,7 @@ std::string Sorting(const Results& results) {
         std::string("/iterations:") + (names == "100000" ? "3" : "50") + "/manual_time";
     AppendRow(
         table, names,
-        {Rounded(results.At(work + "libteleform" + suffix).nanoseconds / 1000),
+        {Rounded(results.Nanoseconds(work + "libteleform" + suffix) / 1000),
          Rounded(results.Ratio(work + "stable_sort" + suffix, work + "libteleform" + suffix))});
   }
   return table;
@@ -125,20 +120,24 @@ std::string Growth(const Results& results) {
   std::string table;
   AppendHead(table, "entries", {"ns per entry, whole job", "bytes of memory per entry"});
   for (const std::string entries : {"10", "100", "1000", "10000", "100000", "1000000"}) {
-    const auto& run = results.At("growth/entries " + entries);
+    const std::string run = "growth/entries " + entries;
     AppendRow(table, entries,
-              {Rounded(run.nanoseconds / std::stod(entries)),
-               Rounded(run.counters.at("bytes_per_entry").get<double>())});
+              {Rounded(results.Nanoseconds(run) / std::stod(entries)),
+               Rounded(results.At(run).at("bytes_per_entry"))});
   }
   table += "\n";
   AppendHead(table, "documents in one string", {"ns per document"});
   for (const std::string documents : {"10", "100", "1000", "10000"}) {
-    const auto& run = results.At("growth/documents " + documents);
-    AppendRow(table, documents, {Rounded(run.nanoseconds / std::stod(documents))});
+    AppendRow(
+        table, documents,
+        {Rounded(results.Nanoseconds("growth/documents " + documents) / std::stod(documents))});
   }
-  const std::string threads = "threads/whole job/real_time/threads:";
-  table += "\nTwo threads do " + Rounded(results.Ratio(threads + "1", threads + "2")) +
-           " times the work of one.\n";
+  const auto gain = [&](const std::string& work) {
+    const std::string threads = "threads/" + work + "/real_time/threads:";
+    return Rounded(results.Ratio(threads + "1", threads + "2"));
+  };
+  table += "\nTwo threads render " + gain("render") + " times as much as one, and do " +
+           gain("whole job") + " times as many whole jobs.\n";
   return table;
 }
 

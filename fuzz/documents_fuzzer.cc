@@ -29,7 +29,7 @@ class Session {
     document->Render(out);
     document->Render(out);
     Expect(out == "kept" + model.Text() + model.Text(), "appending");
-    Expect(document->GetTitle() == (isStatus ? "" : title.c_str()), "title");
+    Expect(document->GetTitle() == (isStatus ? "" : UpToNul(title)), "title");
     Expect(document->GetContentType() ==
                (model.kind.name == "PolycomIPPhoneTextScreen" ? "text/html" : "text/xml"),
            "content type");
@@ -118,7 +118,7 @@ class Session {
       const std::string text = Text();
       screen->SetText(text);
       model.Set("text", text);
-      model.Set("textToNul", text.c_str());
+      model.Set("textToNul", UpToNul(text));
     } else if (auto* menu = dynamic_cast<IPPhoneMenuXML*>(document.get())) {
       FillList(*menu, [&](const auto& a, const auto& b) { return menu->AppendItem(a, b); });
     } else if (auto* directory = dynamic_cast<IPPhoneDirectoryXML*>(document.get())) {
@@ -191,12 +191,12 @@ class Session {
   }
 
   void AddSoftKey() {
-    const std::string text = Text().c_str();
+    const std::string text = UpToNul(Text());
     const char* const given = text.empty() && input.ConsumeBool() ? nullptr : text.c_str();
     const int command = input.ConsumeIntegralInRange(-2, 40);
     if (auto* aastra = dynamic_cast<AastraIPPhone*>(document.get())) {
       const int index = input.ConsumeIntegralInRange(-1, 8);
-      const std::string uri = Text().c_str();
+      const std::string uri = UpToNul(Text());
       const bool isOwn = input.ConsumeBool();
       const bool added =
           isOwn ? aastra->AddSoftKey(index, given, uri.c_str())

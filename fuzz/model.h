@@ -85,6 +85,8 @@ inline constexpr std::array<ModelClass, 15> kModelClasses = {{
      kPerson, false, "Yealink"},
 }};
 
+inline std::string UpToNul(const std::string& text) { return text.substr(0, text.find('\0')); }
+
 using Values = std::map<std::string, std::string, std::less<>>;
 
 inline std::string Expanded(std::string_view text, const Values& values) {
@@ -106,7 +108,7 @@ class Model {
  public:
   Model(const ModelClass& documentClass, const std::string& title, int maxItems)
       : kind(documentClass), limit(maxItems) {
-    Set("title", title.c_str());
+    Set("title", UpToNul(title));
     Set("index", "0");
   }
 

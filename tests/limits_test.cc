@@ -57,6 +57,7 @@ TEST(Threads, BuildAndRenderDistinctDocuments) {
   expected = renderAll();
   std::vector<std::vector<std::string>> rendered(8);
   std::vector<std::thread> threads;
+  threads.reserve(rendered.size());
   for (auto& texts : rendered) {
     threads.emplace_back([&texts, &renderAll] {
       for (int round = 0; round < 50; ++round) texts = renderAll();
