@@ -22,6 +22,16 @@ TEST(Append, WritesPiecesInTheirOrder) {
   EXPECT_EQ(out, "kept <a b=\"text\">ext</a>\n1;2;3;");
 }
 
+TEST(Append, CopiesTextsOfEveryLength) {
+  std::string text;
+  for (int length = 0; length < 100; ++length) {
+    std::string out;
+    Append(out, "<", text, ">");
+    EXPECT_EQ(out, "<" + text + ">");
+    text += static_cast<char>('0' + length % 75);
+  }
+}
+
 TEST(MakeRoom, RefusesMoreThanAStringCanHold) {
   std::string out = "kept";
   for (const std::size_t tooMuch : {out.max_size() - 3, out.max_size(), ~std::size_t{0}}) {
