@@ -2,91 +2,30 @@
 //
 // Usage: gallery CONTACTS [DOCUMENT]
 //
-// CONTACTS is a text file in UTF-8 with one contact a line: name, telephone and department, with a
-// tab between them. Empty lines and lines that begin with # are skipped. DOCUMENT is the name of a
-// class, to see that document alone.
+// CONTACTS is a file as contacts.h describes it. DOCUMENT is the name of a class, to see that
+// document alone.
 #include <teleform/teleform.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <functional>
 #include <iostream>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "contacts.h"
+#include "text.h"
+
 namespace {
 
-struct Contact {
-  std::string name;
-  std::string telephone;
-  std::string department;
-};
 using Contacts = std::vector<Contact>;
-
-Contacts ReadContacts(const std::string& path) {
-  std::ifstream file(path);
-  if (!file) throw std::runtime_error(path + ": " + std::strerror(errno));
-  Contacts contacts;
-  std::string line;
-  for (int number = 1; std::getline(file, line); ++number) {
-    if (line.empty() || line.front() == '#') continue;
-    const auto first = line.find('\t');
-    const auto second = line.find('\t', first + 1);
-    const bool hasThreeFields =
-        first != line.npos && second != line.npos && line.find('\t', second + 1) == line.npos;
-    if (!hasThreeFields || first == 0 || second == first + 1) {
-      throw std::runtime_error(path + ":" + std::to_string(number) +
-                               ": expected a name, a telephone and a department with tabs between");
-    }
-    contacts.push_back({line.substr(0, first), line.substr(first + 1, second - first - 1),
-                        line.substr(second + 1)});
-  }
-  if (file.bad()) throw std::runtime_error(path + ": " + std::strerror(errno));
-  if (contacts.empty()) throw std::runtime_error(path + ": no contacts in it");
-  return contacts;
-}
-
-// The library writes what it is given, so what comes from outside is made fit for XML before.
-std::string Escaped(std::string_view text) {
-  std::string escaped;
-  for (const char character : text) {
-    switch (character) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '>':
-        escaped += "&gt;";
-        break;
-      case '"':
-        escaped += "&quot;";
-        break;
-      default:
-        escaped += character;
-    }
-  }
-  return escaped;
-}
-
-// A telephone number as it goes into a URI, without the blanks that make it readable.
-std::string Number(const Contact& contact) {
-  std::string number = contact.telephone;
-  number.erase(std::remove(number.begin(), number.end(), ' '), number.end());
-  return number;
-}
 
 const std::string kServer = "http://phonebook.example/";
 
 void AppendCard(const Contact& contact, IPPhoneTextScreenXML& screen) {
-  screen.SetText(Escaped(contact.name) + ", " + Escaped(contact.department) + ": " +
-                 Escaped(contact.telephone));
+  screen.SetText(Fit(contact.name) + ", " + Fit(contact.department) + ": " +
+                 Fit(contact.telephone));
 }
 
 void AppendDepartments(const Contacts& contacts, IPPhoneMenuXML& menu) {
@@ -95,13 +34,13 @@ void AppendDepartments(const Contacts& contacts, IPPhoneMenuXML& menu) {
     const std::string& department = contact.department;
     if (std::find(seen.begin(), seen.end(), department) != seen.end()) continue;
     seen.push_back(department);
-    menu.AppendItem(Escaped(department), kServer + "department/" + std::to_string(seen.size()));
+    menu.AppendItem(Fit(department), kServer + "department/" + std::to_string(seen.size()));
   }
 }
 
 void AppendContacts(const Contacts& contacts, IPPhoneDirectoryXML& directory) {
   for (const auto& contact : contacts) {
-    if (!directory.AppendEntry(Escaped(contact.name), Escaped(contact.telephone))) break;
+    if (!directory.AppendEntry(Fit(contact.name), Fit(contact.telephone))) break;
   }
   directory.SortDirectoryItems();
   directory.SetPreviousURI(kServer + "people?page=1");
@@ -121,7 +60,7 @@ const std::vector<Exhibit> kGallery = {
        auto screen = std::make_unique<AastraIPPhoneTextScreen>("Contact");
        AppendCard(contacts.front(), *screen);
        screen->SetAttributes(AttrDestroyOnExit);
-       screen->AddSoftKey(1, "Dial", ("tel:" + Number(contacts.front())).c_str());
+       screen->AddSoftKey(1, "Dial", ("tel:" + Dialled(contacts.front().telephone)).c_str());
        screen->AddSoftKey(6, "Exit", AASTRA_SK_EXIT);
        return screen;
      }},
@@ -148,12 +87,12 @@ const std::vector<Exhibit> kGallery = {
      }},
     {"AastraIPPhoneExecute",
      [](const Contacts& contacts) {
-       return std::make_unique<AastraIPPhoneExecute>("Dial:" + Number(contacts.front()));
+       return std::make_unique<AastraIPPhoneExecute>("Dial:" + Dialled(contacts.front().telephone));
      }},
     {"AastraIPPhoneStatus",
      [](const Contacts& contacts) {
        auto status = std::make_unique<AastraIPPhoneStatus>();
-       status->SetMessage("phonebook", "Missed: " + Escaped(contacts.front().name), 1,
+       status->SetMessage("phonebook", "Missed: " + Fit(contacts.front().name), 1,
                           IPPhoneStatusXML::MsgTypeAlert, 10);
        status->SetAttributes(AttrBeep);
        return status;
@@ -174,7 +113,7 @@ const std::vector<Exhibit> kGallery = {
      [](const Contacts& contacts) {
        auto screen = std::make_unique<SnomIPPhoneTextScreen>("Contact");
        AppendCard(contacts.front(), *screen);
-       screen->AddSoftKey(SNOM_SK_ENTER, ("tel:" + Number(contacts.front())).c_str());
+       screen->AddSoftKey(SNOM_SK_ENTER, ("tel:" + Dialled(contacts.front().telephone)).c_str());
        return screen;
      }},
     {"SnomIPPhoneMenu",

@@ -1,0 +1,44 @@
+#include "contacts.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& source) {
+  std::vector<Contact> read;
+  std::string line;
+  for (int number = 1; std::getline(contacts, line); ++number) {
+    if (line.empty() || line.front() == '#') continue;
+    const auto first = line.find('\t');
+    const auto second = line.find('\t', first + 1);
+    const bool hasThreeFields =
+        first != line.npos && second != line.npos && line.find('\t', second + 1) == line.npos;
+    if (!hasThreeFields || first == 0 || second == first + 1) {
+      throw std::runtime_error(source + ":" + std::to_string(number) +
+                               ": expected a name, a telephone and a department with tabs between");
+    }
+    read.push_back({line.substr(0, first), line.substr(first + 1, second - first - 1),
+                    line.substr(second + 1)});
+  }
+  if (contacts.bad()) throw std::runtime_error(source + ": " + std::strerror(errno));
+  if (read.empty()) throw std::runtime_error(source + ": no contacts in it");
+  return read;
+}
+
+std::vector<Contact> ReadContacts(const std::string& path) {
+  std::ifstream file(path);
+  if (!file) throw std::runtime_error(path + ": " + std::strerror(errno));
+  return ReadContacts(file, path);
+}
+
+std::string Dialled(std::string_view telephone) {
+  constexpr std::string_view kSeparators = " -./()";
+  std::string number;
+  std::copy_if(telephone.begin(), telephone.end(), std::back_inserter(number),
+               [&](char character) { return kSeparators.find(character) == kSeparators.npos; });
+  const bool isNumber = !number.empty() && number.find_first_not_of("0123456789+*#") == number.npos;
+  return isNumber ? number : std::string(telephone);
+}
