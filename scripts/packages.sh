@@ -41,3 +41,15 @@ quietly() {
   fi
   rm -f "$log"
 }
+
+# build_phonebook ROOT: builds the phone book of that checkout in build/phonebook.
+build_phonebook() {
+  need g++ cmake ninja-build pkg-config libcpp-httplib-dev libcli11-dev nlohmann-json3-dev \
+    libsoci-dev libboost-dev libsqlite3-dev libpq-dev
+  echo "Building the phone book ..." >&2
+  (
+    cd "$1"
+    quietly cmake --preset release -B build/phonebook -DTELEFORM_BUILD_PHONEBOOK=ON
+    quietly cmake --build build/phonebook --target phonebook
+  )
+}
