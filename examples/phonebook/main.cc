@@ -40,9 +40,7 @@ void ServeUntil(const sigset_t& signals, phonebook::Server& server) {
   if (failure != nullptr) std::rethrow_exception(failure);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int Main(int argc, char** argv) {
   phonebook::ServerOptions options;
   std::string database = "phonebook.db";
   std::string contacts;
@@ -70,17 +68,28 @@ int main(int argc, char** argv) {
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   signal(SIGPIPE, SIG_IGN);
 
+  phonebook::Store store(database, connections);
+  store.Prepare(contacts.empty() ? SampleContacts() : ReadContacts(contacts));
+  phonebook::Server server(store, options);
+  const std::string host = options.address + ":" + std::to_string(server.Bind());
+  std::cout << "phonebook: listening on " << host << "; for each maker, try\n";
+  std::istringstream addresses(phonebook::Addresses("http://" + host));
+  for (std::string address; std::getline(addresses, address);) {
+    std::cout << "  curl " << address << "\n";
+  }
+  std::cout << "and, in a browser, http://" << host << "/preview\n" << std::flush;
+  ServeUntil(signals, server);
+  std::cout << "phonebook: stopped\n";
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
   try {
-    phonebook::Store store(database, connections);
-    store.Prepare(contacts.empty() ? SampleContacts() : ReadContacts(contacts));
-    phonebook::Server server(store, options);
-    const std::string host = options.address + ":" + std::to_string(server.Bind());
-    std::cout << "phonebook: listening on " << host << "\n" << std::flush;
-    ServeUntil(signals, server);
+    return Main(argc, argv);
   } catch (const std::exception& error) {
     std::cerr << "phonebook: " << error.what() << "\n";
     return 1;
   }
-  std::cout << "phonebook: stopped\n";
-  return 0;
 }

@@ -104,6 +104,7 @@ Document Letters(const Visit& visit, Store& store) {
   const std::string search = AddressOf(visit, "search");
   List list = ListOf(visit, "Search", found, page, search);
   for (const auto& initial : found.rows) {
+    if (!IsPlainText(initial)) continue;  // a search for it is refused
     list.items.push_back({initial, search + "?name=" + PercentEncoded(initial), ""});
   }
   return ComposeMenu(visit.maker, list);

@@ -50,7 +50,7 @@ void CreateTables(soci::session& session, const Dialect& dialect) {
           << ", name TEXT NOT NULL CHECK (name <> ''),"
              " telephone TEXT NOT NULL CHECK (telephone <> ''),"
              " department TEXT NOT NULL DEFAULT '', sort_name TEXT "
-          << dialect.byteOrder << " GENERATED ALWAYS AS (lower(name)) STORED)";
+          << dialect.byteOrder << " GENERATED ALWAYS AS (substr(lower(name), 1, 100)) STORED)";
   session << "CREATE INDEX contacts_by_name ON contacts (sort_name, id)";
   session << "CREATE TABLE notices (name TEXT PRIMARY KEY, text TEXT NOT NULL)";
 }
@@ -65,7 +65,8 @@ void Fill(soci::session& session, const std::vector<Contact>& contacts) {
              " ('alert', 'Fire drill at noon. Please use the stairs.')";
 }
 
-// What libpq waits for by itself must end as well.
+// What libpq waits for by itself must end as well. (SOCI passes on an address as it is only if
+// there is an = in it, which these are.)
 std::string WithTimeouts(const std::string& uri) {
   const std::string patience = std::to_string(kPatienceInSeconds);
   return uri + (uri.find('?') == uri.npos ? "?" : "&") + "connect_timeout=" + patience +
@@ -78,7 +79,7 @@ Store::Store(std::string theDatabase, std::size_t connections)
     : database(std::move(theDatabase)),
       isPostgreSQL(database.rfind("postgresql://", 0) == 0),
       pool(connections),
-      openFiles(connections) {}
+      opened(connections) {}
 
 void Store::Prepare(const std::vector<Contact>& contacts) {
   if (!isPostgreSQL && !std::ofstream(database, std::ios::app)) {
@@ -170,33 +171,33 @@ void Store::Ask(const std::function<void(soci::session&)>& question) {
   const std::unique_ptr<soci::connection_pool, std::function<void(soci::connection_pool*)>> lease(
       &pool, [place](soci::connection_pool* leased) { leased->give_back(place); });
   soci::session& session = pool.at(place);
-  std::string& openFile = openFiles[place];
+  std::string& open = opened[place];
   try {
-    const bool isOpen = session.is_connected() && (isPostgreSQL || openFile == IdentityOfFile());
-    if (isOpen) {
+    if (open == Identity()) {
       try {
         question(session);
         return;
       } catch (const soci::soci_error&) {
-        // The server may have been started anew since the last question: a new connection tells.
-        if (!isPostgreSQL) throw;
+        if (session.is_connected()) throw;
+        // The server was started anew since the last question.
       }
     }
-    Open(session, openFile);
+    Open(session);
+    open = Identity();
     question(session);
   } catch (const soci::soci_error& error) {
     session.close();
+    open.clear();
     throw Unavailable(error.what());
   }
 }
 
-void Store::Open(soci::session& session, std::string& openFile) const {
+void Store::Open(soci::session& session) const {
   session.close();
   if (isPostgreSQL) {
     session.open(soci::postgresql, WithTimeouts(database));
     session << "SET statement_timeout = " << kPatienceInSeconds * 1000;
   } else {
-    openFile = IdentityOfFile();
     session.open(soci::sqlite3,
                  "dbname=\"" + database + "\" timeout=" + std::to_string(kPatienceInSeconds));
   }
@@ -204,7 +205,8 @@ void Store::Open(soci::session& session, std::string& openFile) const {
 
 // An SQLite connection goes on reading a file that was removed or replaced, and would create one
 // that is missing.
-std::string Store::IdentityOfFile() const {
+std::string Store::Identity() const {
+  if (isPostgreSQL) return database;
   struct stat status {};
   if (stat(database.c_str(), &status) != 0) {
     throw Unavailable(database + ": " + std::strerror(errno));

@@ -46,8 +46,8 @@ class Unavailable : public std::runtime_error {
 /// time, so that any number of servers can share it. All operations may be called from any thread;
 /// each throws `Unavailable` when the database does not answer in time.
 ///
-/// Names are sorted and searched by the bytes of their lower case, in an index. PostgreSQL turns
-/// all letters that its locale knows into lower case, SQLite only A to Z.
+/// Names are sorted and searched in an index of their first 100 characters in lower case, by their
+/// bytes. PostgreSQL turns all letters that its locale knows into lower case, SQLite only A to Z.
 class Store {
  public:
   /// @param database the path of an SQLite file, or a URI that begins with "postgresql://".
@@ -75,8 +75,8 @@ class Store {
 
  private:
   void Ask(const std::function<void(soci::session&)>& question);
-  void Open(soci::session& session, std::string& openFile) const;
-  std::string IdentityOfFile() const;
+  void Open(soci::session& session) const;
+  std::string Identity() const;
 
   template <typename Row>
   Page<Row> Ask(const std::string& select, PageNumber page,
@@ -85,7 +85,7 @@ class Store {
   std::string database;
   bool isPostgreSQL;
   soci::connection_pool pool;
-  std::vector<std::string> openFiles;  // which file each SQLite connection has open
+  std::vector<std::string> opened;  // the identity of the database when each connection was opened
 };
 
 }  // namespace phonebook
