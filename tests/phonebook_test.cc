@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -504,6 +505,41 @@ TEST_P(PhoneBook, RefusesBadInputWithADocumentAndALineInTheLog) {
                 .Addresses()
                 .front(),
             server.base + "/snom/directory");
+}
+
+// Sends `start`, then `more` again and again, and returns what came when the server had enough.
+std::string Press(int port, const std::string& start, const std::string& more, int milliseconds) {
+  const int connection = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  EXPECT_EQ(connect(connection, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  std::string answer = "it never had enough";
+  std::string text = start;
+  for (int i = 0; i < 300; ++i) {
+    std::array<char, 100> buffer{};
+    const bool isSent = send(connection, text.data(), text.size(), MSG_NOSIGNAL) > 0;
+    const ssize_t size = recv(connection, buffer.data(), buffer.size(), isSent ? MSG_DONTWAIT : 0);
+    if (size >= 0 || !isSent) {
+      answer.assign(buffer.data(), static_cast<std::size_t>(std::max(size, ssize_t{0})));
+      break;
+    }
+    text = more;
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+  }
+  close(connection);
+  return answer;
+}
+
+TEST_P(PhoneBook, BoundsTheSizeAndTheArrivalOfRequests) {
+  const Server server(directory.path, database);
+  const std::string start = "GET /snom/ HTTP/1.1\r\nHost: a\r\n";
+  const std::string header = "X: " + std::string(1000, 'x') + "\r\n";
+  EXPECT_EQ(Press(server.port, start + "\r\n", "", 10).substr(0, 15), "HTTP/1.1 200 OK");
+  EXPECT_EQ(Press(server.port, start, header, 1).substr(0, 12), "HTTP/1.1 400");
+  EXPECT_EQ(Press(server.port, start, "X", 100).substr(0, 12), "HTTP/1.1 400");
+  EXPECT_EQ(server.Get("/snom/").status, 200);
 }
 
 TEST_P(PhoneBook, WaitsForADatabaseThatIsAwayAndComesBack) {

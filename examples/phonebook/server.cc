@@ -17,6 +17,7 @@ namespace phonebook {
 namespace {
 
 constexpr auto kPatience = std::chrono::seconds(5);
+constexpr std::size_t kLargestRequest = 65536;
 constexpr int kKeepAliveInSeconds = 2;
 constexpr std::size_t kRequestsOfConnection = 1000;
 constexpr std::size_t kLongestBody = 8192;
@@ -53,7 +54,8 @@ void Log(const httplib::Request& request, int status, const std::string& reason)
   constexpr const char* kReadable = "/ ?=&%:;,()[]'\"@!$*+";
   std::ostringstream line;
   line << "phonebook: " << status << " " << request.method << " "
-       << PercentEncoded(request.target, kReadable) << " from " << request.remote_addr << ": "
+       << PercentEncoded(request.target, kReadable) << " from "
+       << (request.remote_addr.empty() ? "somebody" : request.remote_addr) << ": "
        << PercentEncoded(reason, kReadable) << "\n";
   std::cerr << line.str();
 }
@@ -78,11 +80,10 @@ std::string Addresses(const std::string& server) {
 }
 
 Server::Server(Store& theStore, ServerOptions theOptions)
-    : store(theStore), options(std::move(theOptions)) {
+    : store(theStore), options(std::move(theOptions)), http(kLargestRequest, kPatience) {
   http.new_task_queue = [this] {
     return new httplib::ThreadPool(static_cast<std::size_t>(options.threads));
   };
-  http.set_read_timeout(kPatience);
   http.set_write_timeout(kPatience);
   http.set_keep_alive_timeout(kKeepAliveInSeconds);
   http.set_keep_alive_max_count(kRequestsOfConnection);
@@ -108,12 +109,13 @@ Server::Server(Store& theStore, ServerOptions theOptions)
 }
 
 int Server::Bind() {
+  const std::string wanted = options.address + ":" + std::to_string(options.port);
   if (options.port == 0) {
     options.port = http.bind_to_any_port(options.address);
   } else if (!http.bind_to_port(options.address, options.port)) {
     options.port = -1;
   }
-  if (options.port < 0) throw std::runtime_error("can't listen on " + options.address);
+  if (options.port < 0) throw std::runtime_error("can't listen on " + wanted);
   // The distribution's httplib lets 5 connections wait: too few for phones that start together.
   listen(listening, SOMAXCONN);
   return options.port;

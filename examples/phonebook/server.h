@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "phonebook/bounded_server.h"
 #include "phonebook/pages.h"
 #include "phonebook/store.h"
 
@@ -54,7 +55,7 @@ class Server {
 
   Store& store;
   ServerOptions options;
-  httplib::Server http;
+  BoundedServer http;
   int listening = -1;
 };
 
