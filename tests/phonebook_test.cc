@@ -451,6 +451,7 @@ TEST_P(PhoneBook, StaysXMLWithHostileContacts) {
   Fill(hostile);
   const auto session = Connect();
   shuffled += "]]>\x01&<";
+  for (int line = 0; line < 40; ++line) shuffled += "\nmore than a page";
   *session << "UPDATE notices SET text = :text", soci::use(shuffled);
   EXPECT_GT(VisitAll(server, *session), 10 * hostile.size());
 }

@@ -1,6 +1,5 @@
 #include "phonebook/pages.h"
 
-#include <algorithm>
 #include <sstream>
 
 #include "text.h"
@@ -50,7 +49,7 @@ List ListOf(const Visit& visit, const std::string& title, const Page<Row>& found
     throw Refusal(404, "There is no page " + std::to_string(page.number) + ".");
   }
   const std::string other = address + (address.find('?') == address.npos ? "?" : "&") + "page=";
-  List list{title, {}, "", "", {{Key::kHome, AddressOf(visit, "")}}};
+  List list{title, {}, {{Key::kHome, AddressOf(visit, "")}}};
   if (page.number > 1) {
     list.title += ", page " + std::to_string(page.number);
     list.previous = other + std::to_string(page.number - 1);
@@ -76,12 +75,10 @@ std::vector<std::string> Lines(const std::string& text) {
 
 Document Home(const Visit& visit, Store&) {
   return ComposeMenu(visit.maker, {"Phone book",
-                                   {{"Directory", AddressOf(visit, "directory"), ""},
-                                    {"Search", AddressOf(visit, "search"), ""},
-                                    {"Message of the day", AddressOf(visit, "message"), ""},
-                                    {"Alert", AddressOf(visit, "status"), ""}},
-                                   "",
-                                   "",
+                                   {{"Directory", AddressOf(visit, "directory")},
+                                    {"Search", AddressOf(visit, "search")},
+                                    {"Message of the day", AddressOf(visit, "message")},
+                                    {"Alert", AddressOf(visit, "status")}},
                                    {{Key::kSelect, ""}, {Key::kExit, ""}}});
 }
 
@@ -105,7 +102,7 @@ Document Letters(const Visit& visit, Store& store) {
   List list = ListOf(visit, "Search", found, page, search);
   for (const auto& initial : found.rows) {
     if (!IsPlainText(initial)) continue;  // a search for it is refused
-    list.items.push_back({initial, search + "?name=" + PercentEncoded(initial), ""});
+    list.items.push_back({initial, search + "?name=" + PercentEncoded(initial)});
   }
   return ComposeMenu(visit.maker, list);
 }
@@ -131,10 +128,10 @@ Document Search(const Visit& visit, Store& store) {
   List list =
       ListOf(visit, "Search: " + name, found, page, search + "?name=" + PercentEncoded(name));
   if (found.rows.empty()) {
-    list.items.push_back({"Nobody found. Search again?", search, ""});
+    list.items.push_back({"Nobody found. Search again?", search});
   }
   for (const auto& [id, contact] : found.rows) {
-    list.items.push_back({contact.name, AddressOf(visit, "contact", id), ""});
+    list.items.push_back({contact.name, AddressOf(visit, "contact", id)});
   }
   list.keys.push_back({Key::kSelect, ""});
   return ComposeMenu(visit.maker, list);

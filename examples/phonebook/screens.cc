@@ -70,7 +70,7 @@ std::string HTMLOf(const Form& form) {
 }  // namespace
 
 Document ComposeMenu(Maker maker, const List& list) {
-  auto menu = MakeMenu(maker, Fit(list.title), FactsOf(maker).pageSize);
+  auto menu = MakeMenu(maker, Fit(list.title), static_cast<int>(list.items.size()));
   if (menu == nullptr) return ComposeDirectory(maker, list);
   for (const auto& item : list.items) {
     Check(menu->AppendItem(Filled(item.text), Filled(item.uri)));
@@ -80,7 +80,7 @@ Document ComposeMenu(Maker maker, const List& list) {
 }
 
 Document ComposeDirectory(Maker maker, const List& list) {
-  auto directory = MakeDirectory(maker, Fit(list.title), FactsOf(maker).pageSize);
+  auto directory = MakeDirectory(maker, Fit(list.title), static_cast<int>(list.items.size()));
   if (directory == nullptr) {
     auto screen = MakeTextScreen(maker, Fit(list.title));
     screen->SetText(HTMLOf(list.items) + HTMLOf(KeysAndPages(list)));
@@ -99,8 +99,8 @@ Document ComposeDirectory(Maker maker, const List& list) {
 Document ComposeText(Maker maker, const Text& text) {
   auto screen = MakeTextScreen(maker, Fit(text.title));
   if (screen == nullptr) {
-    List list{text.title, {}, "", "", text.keys};
-    for (const auto& line : text.lines) list.items.push_back({line, text.target, ""});
+    List list{text.title, {}, text.keys};
+    for (const auto& line : text.lines) list.items.push_back({line, text.target});
     return ComposeDirectory(maker, list);
   }
   std::string body;
@@ -128,8 +128,7 @@ Document ComposeForm(Maker maker, const Form& form) {
 
 Document ComposeCall(Maker maker, const Item& item) {
   Document call = MakeExecute(maker, "Dial:" + Fit(PercentEncoded(item.telephone, kKeptInNumbers)));
-  return call != nullptr ? std::move(call)
-                         : ComposeDirectory(maker, {item.text, {item}, "", "", {}});
+  return call != nullptr ? std::move(call) : ComposeDirectory(maker, {item.text, {item}, {}});
 }
 
 Document ComposeAlert(Maker maker, const Text& text) {

@@ -24,15 +24,15 @@ struct SoftKey {
 struct Item {
   std::string text;
   std::string uri;
-  std::string telephone;  ///< What is dialled; empty when the item leads to its URI.
+  std::string telephone{};  ///< What is dialled; empty when the item leads to its URI.
 };
 
 struct List {
   std::string title;
-  std::vector<Item> items;  ///< As many as the maker's page size at most.
-  std::string previous;     ///< The URIs of the pages before and after; empty when there is none.
-  std::string next;
+  std::vector<Item> items;
   std::vector<SoftKey> keys;
+  std::string previous{};  ///< The URIs of the pages before and after; empty when there is none.
+  std::string next{};
 };
 
 struct Text {
