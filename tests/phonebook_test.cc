@@ -456,58 +456,6 @@ TEST_P(PhoneBook, StaysXMLWithHostileContacts) {
   EXPECT_GT(VisitAll(server, *session), 10 * hostile.size());
 }
 
-TEST_P(PhoneBook, RefusesBadInputWithADocumentAndALineInTheLog) {
-  const Server server(directory.path, database);
-  const std::map<std::string, int> expected = {
-      {"nowhere", 404},
-      {"message/2", 404},
-      {"directory?page=0", 400},
-      {"directory?page=", 400},
-      {"directory?page=-1", 400},
-      {"directory?page=1x", 400},
-      {"directory?page=99", 404},
-      {"directory?page=99999999999999999999", 400},
-      {"search?name=" + std::string(65, 'x'), 400},
-      {"search?name=%ff", 400},
-      {"search?name=a%00b", 400},
-      {"search?name=a%0ab", 400},
-      {"search?name=a&page=0", 400},
-      {"contact/999999", 404},
-      {"contact/x", 404},
-      {"contact/", 404},
-      {"contact/99999999999999999999", 404},
-      {"dial/0", 404},
-      {"%0a%0dfake", 404},
-      {"../../etc/passwd", 404},
-  };
-  const std::map<std::string, std::string> roots = {{"aastra", "AastraIPPhoneTextScreen"},
-                                                    {"cisco", "CiscoIPPhoneDirectory"},
-                                                    {"polycom", "html"},
-                                                    {"snom", "SnomIPPhoneText"},
-                                                    {"yealink", "YealinkIPPhoneText"}};
-  for (const auto& [maker, root] : roots) {
-    for (const auto& [page, status] : expected) {
-      const auto before = ContentOf(server.log).size();
-      const Answer answer = server.Get("/" + maker + "/" + page);
-      EXPECT_EQ(answer.status, status) << page;
-      EXPECT_EQ(Parsed(answer.text).Root(), root) << page;
-      const std::string line = ContentOf(server.log).substr(before);
-      EXPECT_EQ(line.find("phonebook: " + std::to_string(status) + " GET /" + maker), 0U) << line;
-      EXPECT_EQ(line.find('\n'), line.size() - 1) << line;
-    }
-  }
-  EXPECT_EQ(server.Get("/nowhere").status, 404);
-  EXPECT_EQ(server.Get("/nowhere").type, "text/plain; charset=utf-8");
-  httplib::Client client("127.0.0.1", server.port);
-  EXPECT_EQ(client.Post("/snom/", "name=x", "text/plain")->status, 405);
-  EXPECT_EQ(client.Post("/snom/", std::string(9000, 'x'), "text/plain")->status, 413);
-  EXPECT_EQ(server.Get("/snom/" + std::string(9000, 'x')).status, 414);
-  EXPECT_EQ(Parsed(client.Get("/", {{"Host", "a\"<b"}, {"User-Agent", "snom"}})->body)
-                .Addresses()
-                .front(),
-            server.base + "/snom/directory");
-}
-
 // Sends `start`, then `more` again and again, and returns what came when the server had enough.
 std::string Press(int port, const std::string& start, const std::string& more, int milliseconds) {
   const int connection = socket(AF_INET, SOCK_STREAM, 0);
@@ -531,6 +479,61 @@ std::string Press(int port, const std::string& start, const std::string& more, i
   }
   close(connection);
   return answer;
+}
+
+TEST_P(PhoneBook, RefusesBadInputWithADocumentAndALineInTheLog) {
+  const Server server(directory.path, database);
+  const std::map<std::string, int> expected = {
+      {"nowhere", 404},
+      {"message/2", 404},
+      {"directory?page=0", 400},
+      {"directory?page=", 400},
+      {"directory?page=-1", 400},
+      {"directory?page=1x", 400},
+      {"directory?page=99", 404},
+      {"directory?page=99999999999999999999", 400},
+      {"search?name=" + std::string(65, 'x'), 400},
+      {"search?name=%ff", 400},
+      {"search?name=a%00b", 400},
+      {"search?name=a%0ab", 400},
+      {"search?name=a&page=0", 400},
+      {"contact/999999", 404},
+      {"contact/x", 404},
+      {"contact/", 404},
+      {"contact/99999999999999999999", 404},
+      {"dial/0", 404},
+      {"%0a%0dfake", 404},
+      {"../../etc/passwd", 404},
+      {std::string(8000, 'x'), 404},
+  };
+  const std::map<std::string, std::string> roots = {{"aastra", "AastraIPPhoneTextScreen"},
+                                                    {"cisco", "CiscoIPPhoneDirectory"},
+                                                    {"polycom", "html"},
+                                                    {"snom", "SnomIPPhoneText"},
+                                                    {"yealink", "YealinkIPPhoneText"}};
+  for (const auto& [maker, root] : roots) {
+    for (const auto& [page, status] : expected) {
+      const auto before = ContentOf(server.log).size();
+      const Answer answer = server.Get("/" + maker + "/" + page);
+      EXPECT_EQ(answer.status, status) << page;
+      EXPECT_EQ(Parsed(answer.text).Root(), root) << page;
+      const std::string line = ContentOf(server.log).substr(before);
+      EXPECT_EQ(line.find("phonebook: " + std::to_string(status) + " GET /" + maker), 0U) << line;
+      EXPECT_EQ(line.find('\n'), line.size() - 1) << line;
+    }
+  }
+  Press(server.port, "GET /snom/\x1b[31m HTTP/1.1\r\nHost: a\r\n\r\n", "", 10);
+  EXPECT_NE(ContentOf(server.log).find("404 GET /snom/%1B[31m from"), std::string::npos);
+  EXPECT_EQ(server.Get("/nowhere").status, 404);
+  EXPECT_EQ(server.Get("/nowhere").type, "text/plain; charset=utf-8");
+  httplib::Client client("127.0.0.1", server.port);
+  EXPECT_EQ(client.Post("/snom/", "name=x", "text/plain")->status, 405);
+  EXPECT_EQ(client.Post("/snom/", std::string(9000, 'x'), "text/plain")->status, 413);
+  EXPECT_EQ(server.Get("/snom/" + std::string(9000, 'x')).status, 414);
+  EXPECT_EQ(Parsed(client.Get("/", {{"Host", "a\"<b"}, {"User-Agent", "snom"}})->body)
+                .Addresses()
+                .front(),
+            server.base + "/snom/directory");
 }
 
 TEST_P(PhoneBook, BoundsTheSizeAndTheArrivalOfRequests) {

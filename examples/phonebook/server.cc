@@ -89,6 +89,7 @@ Server::Server(Store& theStore, ServerOptions theOptions)
   http.set_keep_alive_max_count(kRequestsOfConnection);
   http.set_payload_max_length(kLongestBody);
   http.set_tcp_nodelay(true);
+  http.set_default_headers({{"Cache-Control", "no-cache"}});
   http.set_socket_options([this](int socket) {
     httplib::default_socket_options(socket);
     listening = socket;
