@@ -23,7 +23,7 @@ struct MakerFacts {
   bool hasPageAttributes;  ///< Whether its directory itself tells the pages before and after.
 };
 
-/// All makers, by name.
+/// All makers, by name, which is the order of the enumeration.
 const std::array<MakerFacts, 5>& AllMakers();
 
 const MakerFacts& FactsOf(Maker maker);

@@ -25,12 +25,13 @@ function notify(text, isError = false) {
 function follow(target) {
   const address = /^https?:\/\/[^/]*(\/.*)?$/.exec(target);
   const own = /^SoftKey:(.*)$/.exec(target);
+  const call = /^(?:Dial|tel):(.*)$/.exec(target);
   if (address) {
     location.hash = address[1] ?? '/';
   } else if (own) {
     (actions[own[1]] ?? (() => notify(`The phone does "${own[1]}" by itself.`)))();
   } else if (target) {
-    notify(`Calling ${decodeURIComponent(target.replace(/^(Dial|tel):/, ''))}`);
+    notify(`Calling ${call ? decodeURIComponent(call[1]) : target}`);
   }
 }
 
