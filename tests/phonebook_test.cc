@@ -150,16 +150,6 @@ class Parsed {
   std::vector<std::string> Addresses() const {
     return Find("//@*[starts-with(., 'http:')] | //text()[starts-with(., 'http:')]");
   }
-  std::string Previous() const {
-    return First(
-        "/*/@previous | //*[Name = 'LEFT']/URL | //*[Label = 'Previous']/URI |"
-        " //a[. = 'Previous']/@href");
-  }
-  std::string Next() const {
-    return First(
-        "/*/@next | //*[Name = 'RIGHT']/URL | //*[Label = 'Next']/URI |"
-        " //a[. = 'Next']/@href");
-  }
 
  private:
   std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)> document;
@@ -377,25 +367,40 @@ TEST_P(PhoneBook, PagesThroughAThousandContactsForthAndBack) {
   }
   Fill(names);
   std::sort(names.begin(), names.end());
-  for (const auto& maker : kMakers) {
-    for (const char* list : {"/directory", "/search?name=con"}) {
-      std::vector<std::string> addresses = {server.base + "/" + maker + list};
-      std::vector<std::string> seen, numbers;
-      while (!addresses.back().empty()) {
-        const Parsed page(server.Get(addresses.back()).text);
-        if (addresses.size() > 2) {
-          EXPECT_EQ(page.Previous(), addresses[addresses.size() - 2]);
-        }
-        for (const auto& name : page.Items()) seen.push_back(name);
-        for (const auto& target :
-             page.Find("//MenuItem/URI | //Telephone | //p/a[starts-with(., 'Contact')]/@href"))
-          numbers.push_back(target);
-        addresses.push_back(page.Next());
+  struct {
+    const char* path;
+    const char* previous;  // where the documents have it
+    const char* next;
+  } const lists[] = {
+      {"/aastra/directory", "/*/@previous", "/*/@next"},
+      {"/aastra/search?name=con", "//*[Label = 'Previous']/URI", "//*[Label = 'Next']/URI"},
+      {"/cisco/directory", "/*/@previous", "/*/@next"},
+      {"/cisco/search?name=con", "/*/@previous", "/*/@next"},
+      {"/polycom/directory", "//a[. = 'Previous']/@href", "//a[. = 'Next']/@href"},
+      {"/polycom/search?name=con", "//a[. = 'Previous']/@href", "//a[. = 'Next']/@href"},
+      {"/snom/directory", "//*[Name = 'LEFT']/URL", "//*[Name = 'RIGHT']/URL"},
+      {"/snom/search?name=con", "//*[Name = 'LEFT']/URL", "//*[Name = 'RIGHT']/URL"},
+      {"/yealink/directory", "//*[Name = 'LEFT']/URL", "//*[Name = 'RIGHT']/URL"},
+      {"/yealink/search?name=con", "//*[Name = 'LEFT']/URL", "//*[Name = 'RIGHT']/URL"},
+  };
+  for (const auto& list : lists) {
+    std::vector<std::string> addresses = {server.base + list.path};
+    std::vector<std::string> seen, targets;
+    while (!addresses.back().empty()) {
+      const Parsed page(server.Get(addresses.back()).text);
+      if (addresses.size() > 2) {
+        EXPECT_EQ(page.First(list.previous), addresses[addresses.size() - 2]);
       }
-      EXPECT_EQ(seen, names) << maker << list;
-      EXPECT_EQ(std::set<std::string>(numbers.begin(), numbers.end()).size(), 1000U);
-      EXPECT_GT(addresses.size(), 1000U / 32);
+      for (const auto& name : page.Items()) seen.push_back(name);
+      for (const auto& target : page.Find("//MenuItem/URI | //Telephone |"
+                                          " //p/a[starts-with(., 'Contact')]/@href")) {
+        targets.push_back(target);
+      }
+      addresses.push_back(page.First(list.next));
     }
+    EXPECT_EQ(seen, names) << list.path;
+    EXPECT_EQ(std::set<std::string>(targets.begin(), targets.end()).size(), 1000U);
+    EXPECT_GT(addresses.size(), 1000U / 32);
   }
 }
 
