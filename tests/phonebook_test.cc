@@ -76,18 +76,18 @@ class Cluster {
 
   bool Command(const std::string& command) {
     const fs::path log = directory.path / "command.log";
-    isRunning = std::system((TEMPORARY_POSTGRESQL " " + command + " " + directory.path.string() +
+    isUsable = std::system((TEMPORARY_POSTGRESQL " " + command + " " + directory.path.string() +
                              " " + std::to_string(port) + " >" + log.string() + " 2>&1")
                                 .c_str()) == 0;
-    if (!isRunning) reason = command + ": " + ContentOf(log);
-    return isRunning;
+    if (!isUsable) reason = command + ": " + ContentOf(log);
+    return isUsable;
   }
   std::string Address(const std::string& database) const {
     return "postgresql://phonebook@127.0.0.1:" + std::to_string(port) + "/" + database +
            "?sslmode=disable";
   }
 
-  bool isRunning = false;
+  bool isUsable = false;
   std::string reason;
 
  private:
@@ -227,7 +227,7 @@ class PhoneBook : public testing::TestWithParam<const char*> {
     isPostgreSQL = std::string(GetParam()) == "PostgreSQL";
     database = directory.path / "phone book.db";
     if (!isPostgreSQL) return;
-    if (!cluster().isRunning) GTEST_SKIP() << cluster().reason;
+    if (!cluster().isUsable) GTEST_SKIP() << cluster().reason;
     static int number = 0;
     const std::string name = "phonebook" + std::to_string(++number);
     soci::session(soci::postgresql, cluster().Address("postgres")) << "CREATE DATABASE " << name;

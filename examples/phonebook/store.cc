@@ -77,7 +77,8 @@ std::string WithTimeouts(const std::string& uri) {
 
 Store::Store(std::string theDatabase, std::size_t connections)
     : database(std::move(theDatabase)),
-      isPostgreSQL(database.rfind("postgresql://", 0) == 0),
+      isPostgreSQL(database.rfind("postgresql://", 0) == 0 ||
+                   database.rfind("postgres://", 0) == 0),
       pool(connections),
       opened(connections) {}
 

@@ -50,7 +50,8 @@ class Unavailable : public std::runtime_error {
 /// bytes. PostgreSQL turns all letters that its locale knows into lower case, SQLite only A to Z.
 class Store {
  public:
-  /// @param database the path of an SQLite file, or a URI that begins with "postgresql://".
+  /// @param database the path of an SQLite file, or a URI that begins with "postgresql://" or
+  /// "postgres://".
   /// @param connections how many questions the database may be asked at the same time.
   Store(std::string database, std::size_t connections);
 
