@@ -43,12 +43,12 @@ quietly() {
 }
 
 # What the phone book is built with.
-phonebook_packages=(g++ cmake ninja-build pkg-config libcpp-httplib-dev libcli11-dev
+phonebookPackages=(g++ cmake ninja-build pkg-config libcpp-httplib-dev libcli11-dev
   nlohmann-json3-dev libsoci-dev libboost-dev libsqlite3-dev libpq-dev)
 
-# build_phonebook ROOT: builds the phone book of that checkout in build/phonebook.
-build_phonebook() {
-  need "${phonebook_packages[@]}"
+# buildPhonebook ROOT: builds the phone book of that checkout in build/phonebook.
+buildPhonebook() {
+  need "${phonebookPackages[@]}"
   echo "Building the phone book ..." >&2
   (
     cd "$1"

@@ -77,8 +77,8 @@ class Cluster {
   bool Command(const std::string& command) {
     const fs::path log = directory.path / "command.log";
     isUsable = std::system((TEMPORARY_POSTGRESQL " " + command + " " + directory.path.string() +
-                             " " + std::to_string(port) + " >" + log.string() + " 2>&1")
-                                .c_str()) == 0;
+                            " " + std::to_string(port) + " >" + log.string() + " 2>&1")
+                               .c_str()) == 0;
     if (!isUsable) reason = command + ": " + ContentOf(log);
     return isUsable;
   }
