@@ -613,7 +613,13 @@ TEST_P(PhoneBook, IsFilledOnceByServersThatStartTogether) {
     starting[i] = std::async(std::launch::async,
                              [this, own] { return std::make_unique<Server>(own, database); });
   }
-  for (auto& server : starting) EXPECT_EQ(server.get()->Get("/cisco/directory").status, 200);
+  for (auto& started : starting) {
+    const auto server = started.get();
+    EXPECT_EQ(server->Get("/cisco/directory").status, 200);
+    const std::string again = "timeout 10 " PHONEBOOK " --database '" + database + "' --port " +
+                              std::to_string(server->port) + " >/dev/null 2>&1";
+    EXPECT_EQ(WEXITSTATUS(std::system(again.c_str())), 1);  // the port is taken
+  }
   int contacts = 0;
   *Connect() << "SELECT count(*) FROM contacts", soci::into(contacts);
   EXPECT_EQ(contacts, 40);

@@ -71,7 +71,7 @@ int Main(int argc, char** argv) {
   phonebook::Store store(database, connections);
   store.Prepare(contacts.empty() ? SampleContacts() : ReadContacts(contacts));
   phonebook::Server server(store, options);
-  const std::string host = options.address + ":" + std::to_string(server.Bind());
+  const std::string host = server.Bind();
   std::cout << "phonebook: listening on " << host << "; for each maker, try\n";
   std::istringstream addresses(phonebook::Addresses("http://" + host));
   for (std::string address; std::getline(addresses, address);) {

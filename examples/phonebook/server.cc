@@ -81,6 +81,7 @@ std::string Addresses(const std::string& server) {
 
 Server::Server(Store& theStore, ServerOptions theOptions)
     : store(theStore), options(std::move(theOptions)), http(kLargestRequest, kPatience) {
+  while (!options.baseURL.empty() && options.baseURL.back() == '/') options.baseURL.pop_back();
   http.new_task_queue = [this] {
     return new httplib::ThreadPool(static_cast<std::size_t>(options.threads));
   };
@@ -90,8 +91,10 @@ Server::Server(Store& theStore, ServerOptions theOptions)
   http.set_payload_max_length(kLongestBody);
   http.set_tcp_nodelay(true);
   http.set_default_headers({{"Cache-Control", "no-cache"}});
+  // httplib's own options would let a second server take a part of the phones of the first.
   http.set_socket_options([this](int socket) {
-    httplib::default_socket_options(socket);
+    const int isOn = 1;
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &isOn, sizeof isOn);
     listening = socket;
   });
 
@@ -109,17 +112,16 @@ Server::Server(Store& theStore, ServerOptions theOptions)
   });
 }
 
-int Server::Bind() {
-  const std::string wanted = options.address + ":" + std::to_string(options.port);
+std::string Server::Bind() {
   if (options.port == 0) {
     options.port = http.bind_to_any_port(options.address);
+    if (options.port < 0) throw std::runtime_error("can't listen on " + options.address);
   } else if (!http.bind_to_port(options.address, options.port)) {
-    options.port = -1;
+    throw std::runtime_error("can't listen on " + OwnHost());
   }
-  if (options.port < 0) throw std::runtime_error("can't listen on " + wanted);
   // The distribution's httplib lets 5 connections wait: too few for phones that start together.
   listen(listening, SOMAXCONN);
-  return options.port;
+  return OwnHost();
 }
 
 void Server::Run() {
@@ -177,7 +179,13 @@ std::string Server::BaseOf(const httplib::Request& request) const {
   if (!options.baseURL.empty()) return options.baseURL;
   const std::string host = request.get_header_value("Host");
   const bool isHost = !host.empty() && PercentEncoded(host, ":[]") == host;
-  return "http://" + (isHost ? host : options.address + ":" + std::to_string(options.port));
+  return "http://" + (isHost ? host : OwnHost());
+}
+
+std::string Server::OwnHost() const {
+  const bool isIPv6 = options.address.find(':') != options.address.npos;
+  return (isIPv6 ? "[" + options.address + "]" : options.address) + ":" +
+         std::to_string(options.port);
 }
 
 void Server::ServePreview() {

@@ -28,9 +28,9 @@ class Server {
   Server(Store& store, ServerOptions options);
 
   /// Opens the port.
-  /// @return its number.
-  /// @throws std::runtime_error when it can't be had.
-  int Bind();
+  /// @return the address and the port, as a URL has them.
+  /// @throws std::runtime_error when the port can't be had.
+  std::string Bind();
 
   /// Serves until `Stop`, and returns once all open requests are answered.
   /// @throws std::runtime_error when no more connections can be accepted.
@@ -52,6 +52,7 @@ class Server {
   void ServePreview();
   static Target TargetOf(const httplib::Request& request);
   std::string BaseOf(const httplib::Request& request) const;
+  std::string OwnHost() const;
 
   Store& store;
   ServerOptions options;
