@@ -52,6 +52,14 @@ bool Await(Condition condition) {
   return false;
 }
 
+sockaddr_in Loopback(int port) {
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(static_cast<std::uint16_t>(port));
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  return address;
+}
+
 class TemporaryDirectory {
  public:
   TemporaryDirectory() {
@@ -93,10 +101,8 @@ class Cluster {
  private:
   static int FreePort() {
     const int any = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
+    sockaddr_in address = Loopback(0);
     socklen_t size = sizeof address;
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     auto* generic = reinterpret_cast<sockaddr*>(&address);
     if (bind(any, generic, size) != 0 || getsockname(any, generic, &size) != 0) {
       throw std::runtime_error("no port is free");
@@ -311,7 +317,7 @@ std::size_t VisitAll(const Server& server, soci::session& session) {
 
 TEST_P(PhoneBook, GivesEachMakerTheNearestDocumentThatItHas) {
   const Server server(directory.path, database);
-  // What each maker gets, in the order of the makers; Y stands for the maker's own directory.
+  // The root elements, in the order of the makers; a directory bears the maker's name before it.
   const std::map<std::string, std::vector<std::string>> expected = {
       {"", {"AastraIPPhoneTextMenu", "Directory", "html", "Directory", "Directory"}},
       {"directory", {"AastraIPPhoneDirectory", "Directory", "html", "Directory", "Directory"}},
@@ -464,11 +470,8 @@ TEST_P(PhoneBook, StaysXMLWithHostileContacts) {
 // Sends `start`, then `more` again and again, and returns what came when the server had enough.
 std::string Press(int port, const std::string& start, const std::string& more, int milliseconds) {
   const int connection = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  EXPECT_EQ(connect(connection, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  const sockaddr_in address = Loopback(port);
+  EXPECT_EQ(connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
   std::string answer = "it never had enough";
   std::string text = start;
   for (int i = 0; i < 300; ++i) {

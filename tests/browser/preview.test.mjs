@@ -97,6 +97,7 @@ test('Aastra: from the search to the call by soft keys', async () => {
   await picture('search');
   await page.locator('#keys').getByText('Select', {exact: true}).click();
   await shown('/aastra/contact/1');
+  await picture('contact');
   await page.locator('#keys').getByText('Dial', {exact: true}).click();
   await shown('/aastra/dial/1');
   assert.equal(await text('#notice'), 'Calling +493055501001');

@@ -1,4 +1,4 @@
-# Sourced by the commands beside it: installs the Debian packages that they miss.
+# Sourced by the commands beside it: what they share.
 
 # need PACKAGE...: makes sure that the packages are there, or ends the command and names them.
 need() {
@@ -55,4 +55,13 @@ buildPhonebook() {
     quietly cmake --preset release -B build/phonebook -DTELEFORM_BUILD_PHONEBOOK=ON
     quietly cmake --build build/phonebook --target phonebook
   )
+}
+
+# awaitListening PROCESS LOG: waits until the phone book says in its log that it listens; ends the
+# command if the phone book ends.
+awaitListening() {
+  until grep -q listening "$2"; do
+    kill -0 "$1" || exit 1
+    sleep 0.1
+  done
 }
