@@ -32,9 +32,15 @@ TEST(Append, CopiesTextsOfEveryLength) {
   }
 }
 
+TEST(Size, DoesNotWrap) {
+  const std::string_view huge("", std::size_t{3} << 30);  // nobody looks at its bytes
+  EXPECT_EQ(Size(Pieces("<", huge, When(true, huge))), 1 + (TotalSize{6} << 30));
+}
+
 TEST(MakeRoom, RefusesMoreThanAStringCanHold) {
   std::string out = "kept";
-  for (const std::size_t tooMuch : {out.max_size() - 3, out.max_size(), ~std::size_t{0}}) {
+  for (const TotalSize tooMuch :
+       {TotalSize{out.max_size()} - 3, TotalSize{out.max_size()} + 1, ~TotalSize{0}}) {
     EXPECT_THROW(MakeRoom(out, tooMuch), std::length_error);
   }
   EXPECT_EQ(out, "kept");

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <stdexcept>
 #include <string>
@@ -82,27 +83,33 @@ Elements<List, Element> Each(const List& list, Element element) {
 // What the phone is to see of a text that a NUL ends.
 inline std::string_view UpToNul(const std::string& text) { return text.c_str(); }
 
-inline std::size_t Size(std::string_view text) { return text.size(); }
+// A sum of sizes. A document may say one text several times, so that a std::size_t of 32 bits could
+// wrap; this one can't.
+using TotalSize = std::uint64_t;
+
+inline TotalSize Size(std::string_view text) { return text.size(); }
 
 template <std::size_t size>
-constexpr std::size_t Size(const Literal<size>& /*literal*/) {
+constexpr TotalSize Size(const Literal<size>& /*literal*/) {
   return size;
 }
 
 template <typename... Piece, std::size_t... index>
-TELEFORM_INLINE inline std::size_t Size(const Group<Piece...>& group,
-                                        std::index_sequence<index...> /*all*/) {
+TELEFORM_INLINE inline TotalSize Size(const Group<Piece...>& group,
+                                      std::index_sequence<index...> /*all*/) {
   return (Size(std::get<index>(group.pieces)) + ...);
 }
 
 template <typename... Piece>
-TELEFORM_INLINE inline std::size_t Size(const Group<Piece...>& group) {
+TELEFORM_INLINE inline TotalSize Size(const Group<Piece...>& group) {
   return group.written ? Size(group, std::index_sequence_for<Piece...>()) : 0;
 }
 
+// By value, here and below: a reference would make the compiler keep the whole list of pieces, of
+// which the elements are a part, in memory.
 template <typename List, typename Element>
-std::size_t Size(const Elements<List, Element>& elements) {
-  std::size_t size = 0;
+TotalSize Size(Elements<List, Element> elements) {
+  TotalSize size = 0;
   for (const auto& item : elements.list) size += Size(elements.element(item));
   return size;
 }
@@ -145,42 +152,45 @@ TELEFORM_INLINE inline char* Copy(char* to, const Group<Piece...>& group) {
 }
 
 template <typename List, typename Element>
-char* Copy(char* to, const Elements<List, Element>& elements) {
+char* Copy(char* to, Elements<List, Element> elements) {
   for (const auto& item : elements.list) to = Copy(to, elements.element(item));
   return to;
 }
 
 // Lets `out` grow by `size` bytes at least. Growing at least by doubling keeps the appending of
 // thousands of documents to one string linear. Kept out of line, because it is rarely needed.
-[[gnu::noinline]] inline void Grow(std::string& out, std::size_t size) {
+[[gnu::noinline]] inline void Grow(std::string& out, TotalSize size) {
   if (size > out.max_size() - out.size()) throw std::length_error("document too long for a string");
+  const std::size_t needed = out.size() + static_cast<std::size_t>(size);
   const std::size_t doubled = std::min(out.capacity(), out.max_size() / 2) * 2;
-  out.reserve(std::max(out.size() + size, doubled));
+  out.reserve(std::max(needed, doubled));
 }
 
-inline void MakeRoom(std::string& out, std::size_t size) {
+inline void MakeRoom(std::string& out, TotalSize size) {
   if (size > out.capacity() - out.size()) Grow(out, size);
 }
 
 // Copies a piece of this size behind what `out` holds; there must be room for it.
 template <typename Piece>
-[[gnu::flatten]] TELEFORM_INLINE inline void Write(std::string& out, std::size_t size,
+[[gnu::flatten]] TELEFORM_INLINE inline void Write(std::string& out, TotalSize size,
                                                    const Piece& piece) {
+  const std::size_t before = out.size();
+  const std::size_t after = before + static_cast<std::size_t>(size);
 #ifdef __cpp_lib_string_resize_and_overwrite
-  out.resize_and_overwrite(out.size() + size, [&](char* text, std::size_t end) TELEFORM_INLINE {
-    Copy(text + end - size, piece);
+  out.resize_and_overwrite(after, [&](char* text, std::size_t end) TELEFORM_INLINE {
+    Copy(text + before, piece);
     return end;
   });
 #else
-  out.resize(out.size() + size);
-  Copy(out.data() + out.size() - size, piece);
+  out.resize(after);
+  Copy(out.data() + before, piece);
 #endif
 }
 
 template <typename... T>
 TELEFORM_INLINE inline void Append(std::string& out, const T&... piece) {
   const auto pieces = Pieces(piece...);
-  const std::size_t size = Size(pieces);
+  const TotalSize size = Size(pieces);
   MakeRoom(out, size);
   Write(out, size, pieces);
 }
@@ -194,8 +204,8 @@ TELEFORM_INLINE inline void AppendDirectory(std::string& out, const Head& head,
   const auto pieces = [&](const auto& entry) {
     return element(entry->GetName(), entry->GetTelephone());
   };
-  const std::size_t headSize = Size(head);
-  const std::size_t tailSize = Size(tail);
+  const TotalSize headSize = Size(head);
+  const TotalSize tailSize = Size(tail);
   MakeRoom(out, headSize + Size(Each(entries, pieces)) + tailSize);
   Write(out, headSize, head);
   for (const auto& entry : entries) entry->Render(out);
