@@ -11,7 +11,7 @@ TEST(Limits, MillionEntries) {
   constexpr int kEntries = 1000000;
   CiscoIPPhoneDirectory directory("", kEntries);
   for (int i = 0; i < kEntries; ++i) {
-    ASSERT_TRUE(directory.AppendEntry(std::to_string(1000000 + i * 7919L % kEntries), "1"));
+    ASSERT_TRUE(directory.AppendEntry(std::to_string(1000000 + i * 7919LL % kEntries), "1"));
   }
   EXPECT_FALSE(directory.AppendEntry("one more", "1"));
   directory.SortDirectoryItems();

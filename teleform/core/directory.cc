@@ -90,7 +90,9 @@ void Distribute(const Run& run, Key* buffer, std::vector<Run>& runs) {
   const int bits = std::min(kMostBits, static_cast<int>(std::bit_width(keys)) - 1);
   const int shift = std::max(0, static_cast<int>(std::bit_width(differing)) - bits);
   const std::size_t buckets = std::size_t{1} << bits;
-  const auto bucketOf = [=](const Key& key) { return (key.chunk >> shift) & (buckets - 1); };
+  const auto bucketOf = [=](const Key& key) {
+    return static_cast<std::size_t>(key.chunk >> shift) & (buckets - 1);
+  };
   std::array<std::size_t, 1 << kMostBits> sizes;
   std::fill_n(sizes.begin(), buckets, 0);
   for (const Key* key = run.first; key != run.last; ++key) ++sizes[bucketOf(*key)];
@@ -110,7 +112,11 @@ void Distribute(const Run& run, Key* buffer, std::vector<Run>& runs) {
 IPPhoneDirectoryXML::IPPhoneDirectoryXML(const char* theTitle, int theMaxItems)
     : IPPhoneXML(theTitle), maxItems(theMaxItems) {}
 
-IPPhoneDirectoryXML::~IPPhoneDirectoryXML() = default;
+// Not left to the vector: standard libraries differ in the order in which one destroys its
+// elements.
+IPPhoneDirectoryXML::~IPPhoneDirectoryXML() {
+  for (auto& entry : entries) entry.reset();
+}
 
 bool IPPhoneDirectoryXML::AppendEntry(const std::string& /*name*/,
                                       const std::string& /*telephone*/) {
