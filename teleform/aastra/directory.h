@@ -13,6 +13,9 @@ class TELEFORM_EXPORT AastraIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry
  public:
   /// Copies both strings whole.
   AastraIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
+  /// Copies both strings.
+  AastraIPPhoneDirectoryEntry(const AastraIPPhoneDirectoryEntry& other) = default;
+  AastraIPPhoneDirectoryEntry& operator=(const AastraIPPhoneDirectoryEntry&) = delete;
   ~AastraIPPhoneDirectoryEntry() override;
 
   void Render(std::string& out) override;

@@ -12,6 +12,9 @@ class TELEFORM_EXPORT CiscoIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry 
  public:
   /// Copies both strings whole.
   CiscoIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
+  /// Copies both strings.
+  CiscoIPPhoneDirectoryEntry(const CiscoIPPhoneDirectoryEntry& other) = default;
+  CiscoIPPhoneDirectoryEntry& operator=(const CiscoIPPhoneDirectoryEntry&) = delete;
   ~CiscoIPPhoneDirectoryEntry() override;
 
   void Render(std::string& out) override;

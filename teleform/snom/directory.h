@@ -13,6 +13,9 @@ class TELEFORM_EXPORT SnomIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
  public:
   /// Copies both strings whole.
   SnomIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
+  /// Copies both strings.
+  SnomIPPhoneDirectoryEntry(const SnomIPPhoneDirectoryEntry& other) = default;
+  SnomIPPhoneDirectoryEntry& operator=(const SnomIPPhoneDirectoryEntry&) = delete;
   ~SnomIPPhoneDirectoryEntry() override;
 
   void Render(std::string& out) override;

@@ -13,6 +13,9 @@ class TELEFORM_EXPORT YealinkIPPhoneDirectoryEntry : public IPPhoneDirectoryEntr
  public:
   /// Copies both strings whole.
   YealinkIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
+  /// Copies both strings.
+  YealinkIPPhoneDirectoryEntry(const YealinkIPPhoneDirectoryEntry& other) = default;
+  YealinkIPPhoneDirectoryEntry& operator=(const YealinkIPPhoneDirectoryEntry&) = delete;
   ~YealinkIPPhoneDirectoryEntry() override;
 
   void Render(std::string& out) override;
