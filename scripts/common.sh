@@ -42,6 +42,34 @@ quietly() {
   rm -f "$log"
 }
 
+# sources [PATTERN...]: the project's own files, or those of these names, in a checkout and in an
+# archive alike.
+sources() {
+  local pattern names=()
+  for pattern in "${@:-*}"; do names+=(-o -name "$pattern"); done
+  find . \( -path ./build -o -path ./.git -o -name node_modules -o -name 'phonebook.db*' \) -prune -o \
+    -type f \( "${names[@]:1}" \) -print
+}
+
+# runTests BUILD [OPTION...]: runs the tests of that build, or those that the options of ctest name,
+# shows which failed or were skipped, and counts them for conclude.
+passed=0 failed=0 skipped=0
+runTests() {
+  local log=$1/tests.log all fails skips
+  ctest --test-dir "$1" --no-tests=error --output-on-failure --parallel 2 "${@:2}" \
+    >"$log" 2>&1 || grep -vE ' Passed |^ +Start ' "$log" >&2
+  read -r fails all < <(sed -nE 's/.* ([0-9]+) tests? failed out of ([0-9]+)$/\1 \2/p' "$log")
+  skips=$(grep -c '\*\*\*Skipped ' "$log" || true)
+  failed=$((failed + fails)) skipped=$((skipped + skips)) passed=$((passed + all - fails - skips))
+  grep -E 'tests passed|\(Skipped\)' "$log" >&2
+}
+
+# conclude: the closing line; the command fails if a test did.
+conclude() {
+  echo "$passed passed, $failed failed, $skipped skipped"
+  [ "$failed" -eq 0 ]
+}
+
 # What the phone book is built with.
 phonebookPackages=(g++ cmake ninja-build pkg-config libcpp-httplib-dev libcli11-dev
   nlohmann-json3-dev libsoci-dev libboost-dev libsqlite3-dev libpq-dev)

@@ -2,6 +2,8 @@
 /// Numbers as text.
 #pragma once
 
+#include <teleform/core/export.h>
+
 #include <array>
 #include <charconv>
 #include <limits>

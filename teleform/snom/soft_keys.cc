@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::array<const char*, 37> kKeyNames = {
+constexpr std::array<const char*, 37> kSnomKeyNames = {
     "CANCEL",                   // SNOM_SK_CANCEL
     "ENTER",                    // SNOM_SK_ENTER
     "ONHOOK",                   // SNOM_SK_ONHOOK
@@ -71,6 +71,6 @@ SnomIPPhone::~SnomIPPhone() = default;
 
 bool SnomIPPhone::AddSoftKey(SnomSoftKeyCommands command, const char* text) {
   const auto row = static_cast<std::size_t>(command);
-  softKeys.push_back(SnomSoftKey(row < kKeyNames.size() ? kKeyNames[row] : "", text));
+  softKeys.push_back(SnomSoftKey(row < kSnomKeyNames.size() ? kSnomKeyNames[row] : "", text));
   return true;
 }

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::array<const char*, 37> kKeyNames = {
+constexpr std::array<const char*, 37> kYealinkKeyNames = {
     "CANCEL",                   // YEALINK_SK_CANCEL
     "ENTER",                    // YEALINK_SK_ENTER
     "ONHOOK",                   // YEALINK_SK_ONHOOK
@@ -73,6 +73,7 @@ YealinkIPPhone::~YealinkIPPhone() = default;
 
 bool YealinkIPPhone::AddSoftKey(YealinkSoftKeyCommands command, const char* text) {
   const auto row = static_cast<std::size_t>(command);
-  softKeys.push_back(YealinkSoftKey(row < kKeyNames.size() ? kKeyNames[row] : "", text));
+  softKeys.push_back(
+      YealinkSoftKey(row < kYealinkKeyNames.size() ? kYealinkKeyNames[row] : "", text));
   return true;
 }
