@@ -7,7 +7,8 @@
 
 #include <string>
 
-/// A URI that the phone is to carry out, and soft keys; writes both attribute flags.
+/// A URI that the phone is to carry out, and soft keys; writes both attribute flags. The URI is an
+/// attribute of an element without content, which ends in `/>` and a line feed.
 class TELEFORM_EXPORT AastraIPPhoneExecute : public IPPhoneExecuteXML, public AastraIPPhone {
  public:
   /// @param uri written up to its first NUL; it may be empty. It is the document's title as well,

@@ -69,7 +69,8 @@ class TELEFORM_EXPORT AastraIPPhone {
   /// @throws std::bad_alloc when memory runs out; nothing is added.
   bool AddSoftKey(int index, const char* label, AastraSoftKeyCommands command);
 
-  /// The same with a URI of the caller's; it ends at its NUL, and null is the empty URI.
+  /// The same with a URI of the caller's; it ends at its NUL, and null is the empty URI. That is
+  /// also what a literal 0 is: `AASTRA_SK_SELECT` must be given by its name.
   bool AddSoftKey(int index, const char* label, const char* uri);
 
  protected:

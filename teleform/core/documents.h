@@ -4,10 +4,12 @@
 /// A server holds a document through its kind, fills it with the kind's operations and renders it,
 /// without knowing which maker's class it constructed.
 ///
-/// Throughout the library: a document owns copies of everything that it is given. A null C string
-/// is the empty string. Nothing is escaped, trimmed or converted. An operation that runs out of
-/// memory throws `std::bad_alloc` and leaves the document as it was. Distinct documents may be used
-/// on different threads at the same time; one document must not be.
+/// Throughout the library: a document owns copies of everything that it is given. A parameter of
+/// the type `const char*` ends at its NUL, and null is the empty string; one of the type
+/// `const std::string&` is taken whole, and a null pointer given for it is the caller's mistake,
+/// for which `std::string` throws `std::logic_error`. Nothing is escaped, trimmed or converted. An
+/// operation that runs out of memory throws `std::bad_alloc` and leaves the document as it was.
+/// Distinct documents may be used on different threads at the same time; one document must not be.
 #pragma once
 
 #include <teleform/core/directory_entry.h>
@@ -130,7 +132,8 @@ class TELEFORM_EXPORT IPPhoneDirectoryXML : public IPPhoneXML {
   int maxItems;  ///< The limit, as the constructor got it.
 
   /// The entries in the order in which they are written; none is null, and each is of the entry
-  /// class of the directory that appended it.
+  /// class of the directory that appended it. The destructor of this class deletes them from the
+  /// first to the last.
   std::vector<std::unique_ptr<IPPhoneDirectoryEntry>> entries;
 };
 
