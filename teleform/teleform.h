@@ -1,5 +1,10 @@
 /// @file
 /// Every document of every maker.
+///
+///     CiscoIPPhoneDirectory directory("Colleagues", 32);
+///     directory.AppendEntry("Ann", "1001");
+///     std::string text;
+///     directory.Render(text);  // to be sent as directory.GetContentType()
 #pragma once
 
 #include <teleform/aastra/directory.h>

@@ -16,7 +16,7 @@ TEST(Append, WritesPiecesInTheirOrder) {
   const std::string numbers = "123";
   std::string out = "kept ";
   Append(out, "<a", When(true, " b=\"", text, "\""), When(false, " c=\"", text, "\""),
-         Line(">", std::string_view(text).substr(1), "</a>\n"),
+         Line(">", std::string_view(text).substr(1), "</a>"),
          Each(numbers, [](const char& digit) { return Pieces(std::string_view(&digit, 1), ";"); }),
          "");
   EXPECT_EQ(out, "kept <a b=\"text\">ext</a>\n1;2;3;");

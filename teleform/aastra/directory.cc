@@ -36,9 +36,9 @@ void AastraIPPhoneDirectory::Render(std::string& out) {
                   Pieces(Line("<AastraIPPhoneDirectory",
                               PageLinks(previousURI, nextURI),
                               AastraFlags(destroyOnExit, beep),
-                              ">\n"),
-                         Line("<Title>", title, "</Title>\n")),
+                              ">"),
+                         Line("<Title>", title, "</Title>")),
                   entries,
                   AastraMenuItem,
-                  Pieces(Each(softKeys, AastraSoftKeyItem), "</AastraIPPhoneDirectory>\n"));
+                  Pieces(Each(softKeys, AastraSoftKeyItem), Line("</AastraIPPhoneDirectory>")));
 }

@@ -6,8 +6,10 @@
 
 namespace teleform {
 
+inline auto AastraBeep(bool beep) { return When(beep, " Beep = \"yes\""); }
+
 inline auto AastraFlags(bool destroyOnExit, bool beep) {
-  return Pieces(When(destroyOnExit, " destroyOnExit = \"yes\""), When(beep, " Beep = \"yes\""));
+  return Pieces(When(destroyOnExit, " destroyOnExit = \"yes\""), AastraBeep(beep));
 }
 
 inline constexpr auto AastraMenuItem = [](std::string_view prompt, std::string_view uri) {

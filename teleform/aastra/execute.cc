@@ -9,8 +9,8 @@ AastraIPPhoneExecute::~AastraIPPhoneExecute() = default;
 void AastraIPPhoneExecute::Render(std::string& out) {
   using namespace teleform;
   Append(out,
-         Line("<AastraIPPhoneExecute", AastraFlags(destroyOnExit, beep), ">\n"),
-         Line("<ExecuteItem URI=\"", UpToNul(URI), "\"/>\n"),
+         Line("<AastraIPPhoneExecute", AastraFlags(destroyOnExit, beep), ">"),
+         Line("<ExecuteItem URI=\"", UpToNul(URI), "\"/>"),
          Each(softKeys, AastraSoftKeyItem),
-         "</AastraIPPhoneExecute>\n");
+         Line("</AastraIPPhoneExecute>"));
 }

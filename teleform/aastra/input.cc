@@ -22,12 +22,12 @@ void AastraIPPhoneInput::Render(std::string& out) {
               "\"",
               When(password, " password = \"yes\""),
               AastraFlags(destroyOnExit, beep),
-              ">\n"),
-         Line("<Title>", title, "</Title>\n"),
-         Line("<Prompt>", params.prompt, "</Prompt>\n"),
-         Line("<URL>", params.URL, "</URL>\n"),
-         Line("<Parameter>", params.parameter, "</Parameter>\n"),
-         Line("<Default>", params.defaultValue, "</Default>\n"),
+              ">"),
+         Line("<Title>", title, "</Title>"),
+         Line("<Prompt>", params.prompt, "</Prompt>"),
+         Line("<URL>", params.URL, "</URL>"),
+         Line("<Parameter>", params.parameter, "</Parameter>"),
+         Line("<Default>", params.defaultValue, "</Default>"),
          Each(softKeys, AastraSoftKeyItem),
-         "</AastraIPPhoneInputScreen>\n");
+         Line("</AastraIPPhoneInputScreen>"));
 }

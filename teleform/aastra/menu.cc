@@ -31,9 +31,9 @@ void AastraIPPhoneMenu::SetNextURI(const std::string& uri) { nextURI = uri; }
 void AastraIPPhoneMenu::Render(std::string& out) {
   using namespace teleform;
   Append(out,
-         Line("<AastraIPPhoneTextMenu", AastraFlags(destroyOnExit, beep), ">\n"),
-         Line("<Title>", title, "</Title>\n"),
+         Line("<AastraIPPhoneTextMenu", AastraFlags(destroyOnExit, beep), ">"),
+         Line("<Title>", title, "</Title>"),
          MenuItems(items, AastraMenuItem),
          Each(softKeys, AastraSoftKeyItem),
-         "</AastraIPPhoneTextMenu>\n");
+         Line("</AastraIPPhoneTextMenu>"));
 }

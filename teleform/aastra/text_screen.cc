@@ -11,9 +11,9 @@ void AastraIPPhoneTextScreen::SetText(const std::string& theText) { text = theTe
 void AastraIPPhoneTextScreen::Render(std::string& out) {
   using namespace teleform;
   Append(out,
-         Line("<AastraIPPhoneTextScreen", AastraFlags(destroyOnExit, beep), ">\n"),
-         Line("<Title>", title, "</Title>\n"),
-         Line("<Text>", UpToNul(text), "</Text>\n"),
+         Line("<AastraIPPhoneTextScreen", AastraFlags(destroyOnExit, beep), ">"),
+         Line("<Title>", title, "</Title>"),
+         Line("<Text>", UpToNul(text), "</Text>"),
          Each(softKeys, AastraSoftKeyItem),
-         "</AastraIPPhoneTextScreen>\n");
+         Line("</AastraIPPhoneTextScreen>"));
 }

@@ -33,9 +33,9 @@ void CiscoIPPhoneDirectory::SetNextURI(const std::string& uri) { nextURI = uri; 
 void CiscoIPPhoneDirectory::Render(std::string& out) {
   using namespace teleform;
   AppendDirectory(out,
-                  Pieces(Line("<CiscoIPPhoneDirectory", PageLinks(previousURI, nextURI), ">\n"),
-                         Line("<Title>", title, "</Title>\n")),
+                  Pieces(Line("<CiscoIPPhoneDirectory", PageLinks(previousURI, nextURI), ">"),
+                         Line("<Title>", title, "</Title>")),
                   entries,
                   DirectoryEntry,
-                  Pieces("</CiscoIPPhoneDirectory>\n"));
+                  Pieces(Line("</CiscoIPPhoneDirectory>")));
 }

@@ -1,4 +1,5 @@
 #include <teleform/core/documents.h>
+#include <teleform/core/sort_by_name.h>
 
 IPPhoneXML::IPPhoneXML(const char* theTitle)
     : title(theTitle != nullptr ? theTitle : ""), contentType("text/xml") {}
@@ -22,6 +23,26 @@ IPPhoneMenuXML::~IPPhoneMenuXML() = default;
 void IPPhoneMenuXML::SetPreviousURI(const std::string& /*uri*/) {}
 
 void IPPhoneMenuXML::SetNextURI(const std::string& /*uri*/) {}
+
+IPPhoneDirectoryXML::IPPhoneDirectoryXML(const char* theTitle, int theMaxItems)
+    : IPPhoneXML(theTitle), maxItems(theMaxItems) {}
+
+// Not left to the vector: standard libraries differ in the order in which one destroys its
+// elements.
+IPPhoneDirectoryXML::~IPPhoneDirectoryXML() {
+  for (auto& entry : entries) entry.reset();
+}
+
+bool IPPhoneDirectoryXML::AppendEntry(const std::string& /*name*/,
+                                      const std::string& /*telephone*/) {
+  return false;
+}
+
+void IPPhoneDirectoryXML::SetPreviousURI(const std::string& /*uri*/) {}
+
+void IPPhoneDirectoryXML::SetNextURI(const std::string& /*uri*/) {}
+
+void IPPhoneDirectoryXML::SortDirectoryItems() { teleform::SortByName(entries); }
 
 IPPhoneInputXML::IPPhoneInputXML(const char* theTitle) : IPPhoneXML(theTitle) {}
 

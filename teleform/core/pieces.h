@@ -1,11 +1,20 @@
-// How text is appended: a document lists its pieces once, in the order in which the phone reads
-// them, and the list serves twice. First the sizes of all pieces are added up and room is made in
-// the caller's string, the only step that can fail; then the pieces are copied. That way a
-// rendering is one allocation at most, runs at nearly the speed of copying memory, and is all or
-// nothing.
+// How text is appended. A Render says what it writes as one list of pieces, in the order in which
+// the phone reads them:
 //
-// A piece is text (a literal, a string or a string view), a group of pieces made by Pieces(),
-// Line() or When(), or a list of elements made by Each(). Pieces only refer to their text.
+//   Append(out,
+//          Line("<Greeting", When(isLoud, " Loud=\"yes\""), ">"),
+//          Line("<Name>", name, "</Name>"),
+//          Each(friends, [](const auto& one) { return Line("<Friend>", one.GetName(), "</Friend>");
+//          }), Line("</Greeting>"));
+//
+// The list serves twice. First the sizes of all pieces are added up and room is made in the
+// caller's string, the only step that can fail; then the pieces are copied. That way a rendering is
+// one allocation at most, runs at nearly the speed of copying memory, and is all or nothing.
+//
+// Pieces:    what a list can hold.
+// Sizes:     how many bytes a piece has.
+// Copies:    how it gets where there is room for it.
+// Appending: room for the whole list, then the copies.
 #pragma once
 
 #include <algorithm>
@@ -25,9 +34,22 @@
 
 namespace teleform {
 
+// == Pieces ==
+//
+// A piece is text or is made of pieces, and only refers to its text. Text is a std::string, a
+// std::string_view, or an array of characters: that is taken for a literal, whose last character is
+// not written.
+
+// A literal keeps its size in its type: copies of known size need no call.
+template <std::size_t size>
+struct Literal {
+  Literal(const char* literal) : text(literal) {}
+  const char* text;
+};
+
 template <typename... Piece>
 struct Group {
-  bool written;
+  bool isWanted;
   std::tuple<Piece...> pieces;
 };
 
@@ -37,13 +59,7 @@ struct Elements {
   Element element;
 };
 
-// A literal keeps its size in its type: copies of known size need no call.
-template <std::size_t size>
-struct Literal {
-  Literal(const char* literal) : text(literal) {}
-  const char* text;
-};
-
+// What a list keeps of what it is given.
 template <typename T>
 struct PieceFor {
   using Type =
@@ -56,7 +72,7 @@ struct PieceFor<char[size]> {
 template <typename T>
 using PieceOf = typename PieceFor<T>::Type;
 
-// Pieces that are written only under a condition, such as an attribute.
+// Pieces that are wanted only under a condition, such as an attribute.
 template <typename... T>
 Group<PieceOf<T>...> When(bool condition, const T&... piece) {
   return {condition, {piece...}};
@@ -68,13 +84,13 @@ Group<PieceOf<T>...> Pieces(const T&... piece) {
   return When(true, piece...);
 }
 
-// Pieces that the document has on one line; they bring their own line feed.
+// Pieces in a row, and a line feed.
 template <typename... T>
-Group<PieceOf<T>...> Line(const T&... piece) {
-  return When(true, piece...);
+auto Line(const T&... piece) {
+  return Pieces(piece..., "\n");
 }
 
-// One piece for each item of a list, made of the item by `element`.
+// For each item of a list the piece that `element` makes of it.
 template <typename List, typename Element>
 Elements<List, Element> Each(const List& list, Element element) {
   return {list, element};
@@ -82,6 +98,8 @@ Elements<List, Element> Each(const List& list, Element element) {
 
 // What the phone is to see of a text that a NUL ends.
 inline std::string_view UpToNul(const std::string& text) { return text.c_str(); }
+
+// == Sizes ==
 
 // A sum of sizes. A document may say one text several times, so that a std::size_t of 32 bits could
 // wrap; this one can't.
@@ -102,7 +120,7 @@ TELEFORM_INLINE inline TotalSize Size(const Group<Piece...>& group,
 
 template <typename... Piece>
 TELEFORM_INLINE inline TotalSize Size(const Group<Piece...>& group) {
-  return group.written ? Size(group, std::index_sequence_for<Piece...>()) : 0;
+  return group.isWanted ? Size(group, std::index_sequence_for<Piece...>()) : 0;
 }
 
 // By value, here and below: a reference would make the compiler keep the whole list of pieces, of
@@ -113,6 +131,8 @@ TotalSize Size(Elements<List, Element> elements) {
   for (const auto& item : elements.list) size += Size(elements.element(item));
   return size;
 }
+
+// == Copies ==
 
 // Nearly all texts that phones show are so short that a call costs more than the copying: two
 // copies of known size, which overlap where the text is shorter than both, take their place.
@@ -148,7 +168,7 @@ TELEFORM_INLINE inline char* Copy(char* to, const Group<Piece...>& group,
 
 template <typename... Piece>
 TELEFORM_INLINE inline char* Copy(char* to, const Group<Piece...>& group) {
-  return group.written ? Copy(to, group, std::index_sequence_for<Piece...>()) : to;
+  return group.isWanted ? Copy(to, group, std::index_sequence_for<Piece...>()) : to;
 }
 
 template <typename List, typename Element>
@@ -156,6 +176,8 @@ char* Copy(char* to, Elements<List, Element> elements) {
   for (const auto& item : elements.list) to = Copy(to, elements.element(item));
   return to;
 }
+
+// == Appending ==
 
 // Lets `out` grow by `size` bytes at least. Growing at least by doubling keeps the appending of
 // thousands of documents to one string linear. Kept out of line, because it is rarely needed.
@@ -170,7 +192,7 @@ inline void MakeRoom(std::string& out, TotalSize size) {
   if (size > out.capacity() - out.size()) Grow(out, size);
 }
 
-// Copies a piece of this size behind what `out` holds; there must be room for it.
+// Copies a piece of this size behind what `out` holds, which takes nothing if there is room for it.
 template <typename Piece>
 [[gnu::flatten]] TELEFORM_INLINE inline void Write(std::string& out, TotalSize size,
                                                    const Piece& piece) {
@@ -195,8 +217,11 @@ TELEFORM_INLINE inline void Append(std::string& out, const T&... piece) {
   Write(out, size, pieces);
 }
 
-// Appends a directory. Its entries render themselves, into the room made for the whole document;
-// `element` gives the pieces that an entry of this directory writes for a name and a telephone.
+// Appends a directory, whose entries must write themselves, by their virtual Render, but can't tell
+// how much that will be. `element` does: it gives the pieces that an entry of this directory's
+// class writes for a name and a telephone. Where a caller has derived from the directory and put in
+// entries of another class, these may take more room than there is: then `out` grows while they
+// write, and if that fails what has been written is taken back.
 template <typename Head, typename Entries, typename Element, typename Tail>
 TELEFORM_INLINE inline void AppendDirectory(std::string& out, const Head& head,
                                             const Entries& entries, Element element,
@@ -207,9 +232,15 @@ TELEFORM_INLINE inline void AppendDirectory(std::string& out, const Head& head,
   const TotalSize headSize = Size(head);
   const TotalSize tailSize = Size(tail);
   MakeRoom(out, headSize + Size(Each(entries, pieces)) + tailSize);
-  Write(out, headSize, head);
-  for (const auto& entry : entries) entry->Render(out);
-  Write(out, tailSize, tail);
+  const std::size_t before = out.size();
+  try {
+    Write(out, headSize, head);
+    for (const auto& entry : entries) entry->Render(out);
+    Write(out, tailSize, tail);
+  } catch (...) {
+    out.resize(before);
+    throw;
+  }
 }
 
 }  // namespace teleform

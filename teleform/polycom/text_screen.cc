@@ -13,10 +13,10 @@ void PolycomIPPhoneTextScreen::SetText(const std::string& theText) { text = theT
 void PolycomIPPhoneTextScreen::Render(std::string& out) {
   using namespace teleform;
   Append(out,
-         "<html>\n",
-         Line("<Title>", title, "</Title>\n"),
-         "<body>\n",
-         Line("<p>", text, "</p>\n"),
-         "</body>\n",
-         "</html>\n");
+         Line("<html>"),
+         Line("<Title>", title, "</Title>"),
+         Line("<body>"),
+         Line("<p>", text, "</p>"),
+         Line("</body>"),
+         Line("</html>"));
 }

@@ -31,8 +31,8 @@ void SnomIPPhoneDirectory::SetNextURI(const std::string& /*uri*/) {}
 void SnomIPPhoneDirectory::Render(std::string& out) {
   using namespace teleform;
   AppendDirectory(out,
-                  Pieces("<SnomIPPhoneDirectory>\n", Line("<Title>", title, "</Title>\n")),
+                  Pieces(Line("<SnomIPPhoneDirectory>"), Line("<Title>", title, "</Title>")),
                   entries,
                   DirectoryEntry,
-                  Pieces(Each(softKeys, SoftKeyItem), "</SnomIPPhoneDirectory>\n"));
+                  Pieces(Each(softKeys, SoftKeyItem), Line("</SnomIPPhoneDirectory>")));
 }

@@ -16,16 +16,16 @@ bool SnomIPPhoneInput::SetParams(const std::string& prompt, const std::string& u
 void SnomIPPhoneInput::Render(std::string& out) {
   using namespace teleform;
   Append(out,
-         "<SnomIPPhoneInput>\n",
-         Line("<Title>", title, "</Title>\n"),
-         Line("<Prompt>", params.prompt, "</Prompt>\n"),
-         Line("<URL>", params.URL, "</URL>\n"),
-         "<InputItem>\n",
-         Line("<DisplayName>", params.prompt, "</DisplayName>\n"),
-         Line("<QueryStringParam>", params.queryStringParam, "</QueryStringParam>\n"),
-         Line("<DefaultValue>", params.defaultValue, "</DefaultValue>\n"),
-         Line("<InputFlags>", inputFlags, "</InputFlags>\n"),
-         "</InputItem>\n",
+         Line("<SnomIPPhoneInput>"),
+         Line("<Title>", title, "</Title>"),
+         Line("<Prompt>", params.prompt, "</Prompt>"),
+         Line("<URL>", params.URL, "</URL>"),
+         Line("<InputItem>"),
+         Line("<DisplayName>", params.prompt, "</DisplayName>"),
+         Line("<QueryStringParam>", params.queryStringParam, "</QueryStringParam>"),
+         Line("<DefaultValue>", params.defaultValue, "</DefaultValue>"),
+         Line("<InputFlags>", inputFlags, "</InputFlags>"),
+         Line("</InputItem>"),
          Each(softKeys, SoftKeyItem),
-         "</SnomIPPhoneInput>\n");
+         Line("</SnomIPPhoneInput>"));
 }

@@ -28,9 +28,9 @@ void SnomIPPhoneMenu::SetNextURI(const std::string& /*uri*/) {}
 void SnomIPPhoneMenu::Render(std::string& out) {
   using namespace teleform;
   Append(out,
-         "<SnomIPPhoneDirectory>\n",
-         Line("<Title>", title, "</Title>\n"),
+         Line("<SnomIPPhoneDirectory>"),
+         Line("<Title>", title, "</Title>"),
          MenuItems(items, DirectoryEntry),
          Each(softKeys, SoftKeyItem),
-         "</SnomIPPhoneDirectory>\n");
+         Line("</SnomIPPhoneDirectory>"));
 }

@@ -11,9 +11,9 @@ void SnomIPPhoneTextScreen::SetText(const std::string& theText) { text = theText
 void SnomIPPhoneTextScreen::Render(std::string& out) {
   using namespace teleform;
   Append(out,
-         "<SnomIPPhoneText>\n",
-         Line("<Title>", title, "</Title>\n"),
-         Line("<Text>", text, "</Text>\n"),
+         Line("<SnomIPPhoneText>"),
+         Line("<Title>", title, "</Title>"),
+         Line("<Text>", text, "</Text>"),
          Each(softKeys, SoftKeyItem),
-         "</SnomIPPhoneText>\n");
+         Line("</SnomIPPhoneText>"));
 }

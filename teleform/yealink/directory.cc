@@ -31,8 +31,8 @@ void YealinkIPPhoneDirectory::SetNextURI(const std::string& /*uri*/) {}
 void YealinkIPPhoneDirectory::Render(std::string& out) {
   using namespace teleform;
   AppendDirectory(out,
-                  Pieces("<YealinkIPPhoneDirectory>\n", Line("<Title>", title, "</Title>\n")),
+                  Pieces(Line("<YealinkIPPhoneDirectory>"), Line("<Title>", title, "</Title>")),
                   entries,
                   DirectoryEntry,
-                  Pieces(Each(softKeys, SoftKeyItem), "</YealinkIPPhoneDirectory>\n"));
+                  Pieces(Each(softKeys, SoftKeyItem), Line("</YealinkIPPhoneDirectory>")));
 }

@@ -28,9 +28,9 @@ void YealinkIPPhoneMenu::SetNextURI(const std::string& /*uri*/) {}
 void YealinkIPPhoneMenu::Render(std::string& out) {
   using namespace teleform;
   Append(out,
-         "<YealinkIPPhoneDirectory>\n",
-         Line("<Title>", title, "</Title>\n"),
+         Line("<YealinkIPPhoneDirectory>"),
+         Line("<Title>", title, "</Title>"),
          MenuItems(items, DirectoryEntry),
          Each(softKeys, SoftKeyItem),
-         "</YealinkIPPhoneDirectory>\n");
+         Line("</YealinkIPPhoneDirectory>"));
 }

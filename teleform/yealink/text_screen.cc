@@ -11,8 +11,8 @@ void YealinkIPPhoneTextScreen::SetText(const std::string& theText) { text = theT
 void YealinkIPPhoneTextScreen::Render(std::string& out) {
   using namespace teleform;
   Append(out,
-         "<YealinkIPPhoneText>\n",
-         Line("<Title>", title, "</Title>\n"),
-         Line("<Text>", text, "</Text>\n"),
-         "</YealinkIPPhoneText>\n");
+         Line("<YealinkIPPhoneText>"),
+         Line("<Title>", title, "</Title>"),
+         Line("<Text>", text, "</Text>"),
+         Line("</YealinkIPPhoneText>"));
 }

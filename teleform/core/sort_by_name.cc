@@ -1,4 +1,4 @@
-#include <teleform/core/documents.h>
+#include <teleform/core/sort_by_name.h>
 
 #include <algorithm>
 #include <array>
@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+
+namespace teleform {
 
 namespace {
 
@@ -109,25 +111,7 @@ void Distribute(const Run& run, Key* buffer, std::vector<Run>& runs) {
 
 }  // namespace
 
-IPPhoneDirectoryXML::IPPhoneDirectoryXML(const char* theTitle, int theMaxItems)
-    : IPPhoneXML(theTitle), maxItems(theMaxItems) {}
-
-// Not left to the vector: standard libraries differ in the order in which one destroys its
-// elements.
-IPPhoneDirectoryXML::~IPPhoneDirectoryXML() {
-  for (auto& entry : entries) entry.reset();
-}
-
-bool IPPhoneDirectoryXML::AppendEntry(const std::string& /*name*/,
-                                      const std::string& /*telephone*/) {
-  return false;
-}
-
-void IPPhoneDirectoryXML::SetPreviousURI(const std::string& /*uri*/) {}
-
-void IPPhoneDirectoryXML::SetNextURI(const std::string& /*uri*/) {}
-
-void IPPhoneDirectoryXML::SortDirectoryItems() {
+void SortByName(std::vector<std::unique_ptr<IPPhoneDirectoryEntry>>& entries) {
   constexpr std::ptrdiff_t kFewKeys = 16;
   std::vector<Key> keys;
   keys.reserve(entries.size());
@@ -149,3 +133,5 @@ void IPPhoneDirectoryXML::SortDirectoryItems() {
   for (auto& entry : entries) static_cast<void>(entry.release());
   for (std::size_t i = 0; i < keys.size(); ++i) entries[i].reset(keys[i].entry);
 }
+
+}  // namespace teleform
