@@ -28,6 +28,23 @@ std::string WithoutBlanks(std::string text) {
   return text;
 }
 
+void RenderFresh(benchmark::State& state, const Renderer& render) {
+  for (auto _ : state) {
+    std::string fresh;
+    render(fresh);
+    benchmark::DoNotOptimize(fresh.data());
+  }
+}
+
+void RenderReused(benchmark::State& state, const Renderer& render) {
+  std::string reused;
+  for (auto _ : state) {
+    reused.clear();
+    render(reused);
+    benchmark::DoNotOptimize(reused.data());
+  }
+}
+
 // Registers one kind of work for all contestants, into a fresh and into a reused string.
 template <typename Contents>
 void Register(const std::string& work, Renderer (*Contestant::*make)(const Contents&),
@@ -42,23 +59,9 @@ void Register(const std::string& work, Renderer (*Contestant::*make)(const Conte
       std::cerr << contestant.name << " writes another " << work << ":\n" << out << "\n";
       std::exit(1);
     }
-    benchmark::RegisterBenchmark((work + "/fresh/" + contestant.name).c_str(),
-                                 [render](benchmark::State& state) {
-                                   for (auto _ : state) {
-                                     std::string fresh;
-                                     render(fresh);
-                                     benchmark::DoNotOptimize(fresh.data());
-                                   }
-                                 });
-    benchmark::RegisterBenchmark((work + "/reused/" + contestant.name).c_str(),
-                                 [render](benchmark::State& state) {
-                                   std::string reused;
-                                   for (auto _ : state) {
-                                     reused.clear();
-                                     render(reused);
-                                     benchmark::DoNotOptimize(reused.data());
-                                   }
-                                 });
+    benchmark::RegisterBenchmark((work + "/fresh/" + contestant.name).c_str(), RenderFresh, render);
+    benchmark::RegisterBenchmark((work + "/reused/" + contestant.name).c_str(), RenderReused,
+                                 render);
   }
 }
 
@@ -82,117 +85,87 @@ void MeasureSorting(benchmark::State& state, std::size_t count, Prepare prepare,
   }
 }
 
+void SortDirectory(benchmark::State& state, std::size_t count) {
+  const auto prepare = [](const std::vector<Person>& people) {
+    auto directory = std::make_unique<SnomIPPhoneDirectory>("", 0);
+    for (const auto& person : people) directory->AppendEntry(person.name, person.telephone);
+    return directory;
+  };
+  MeasureSorting(state, count, prepare, [](auto& directory) { directory->SortDirectoryItems(); });
+}
+
+void SortPointers(benchmark::State& state, std::size_t count) {
+  struct Names {
+    std::vector<std::string> names;
+    std::vector<const std::string*> pointers;
+  };
+  const auto prepare = [](const std::vector<Person>& people) {
+    auto names = std::make_unique<Names>();
+    for (const auto& person : people) names->names.push_back(person.name);
+    for (const auto& name : names->names) names->pointers.push_back(&name);
+    return names;
+  };
+  MeasureSorting(state, count, prepare, [](auto& names) {
+    std::stable_sort(names->pointers.begin(), names->pointers.end(),
+                     [](const auto* a, const auto* b) { return *a < *b; });
+  });
+}
+
 void RegisterSorting(std::size_t count) {
   const std::string work = "sort " + std::to_string(count) + "/";
   const int batches = count > 10000 ? 3 : 50;
-  benchmark::RegisterBenchmark((work + "libteleform").c_str(),
-                               [count](benchmark::State& state) {
-                                 MeasureSorting(
-                                     state, count,
-                                     [](const std::vector<Person>& people) {
-                                       auto directory =
-                                           std::make_unique<SnomIPPhoneDirectory>("", 0);
-                                       for (const auto& person : people)
-                                         directory->AppendEntry(person.name, person.telephone);
-                                       return directory;
-                                     },
-                                     [](auto& directory) { directory->SortDirectoryItems(); });
-                               })
-      ->UseManualTime()
-      ->Iterations(batches);
-  benchmark::RegisterBenchmark((work + "stable_sort").c_str(),
-                               [count](benchmark::State& state) {
-                                 struct Names {
-                                   std::vector<std::string> names;
-                                   std::vector<const std::string*> pointers;
-                                 };
-                                 MeasureSorting(
-                                     state, count,
-                                     [](const std::vector<Person>& people) {
-                                       auto names = std::make_unique<Names>();
-                                       for (const auto& person : people)
-                                         names->names.push_back(person.name);
-                                       for (const auto& name : names->names)
-                                         names->pointers.push_back(&name);
-                                       return names;
-                                     },
-                                     [](auto& names) {
-                                       std::stable_sort(
-                                           names->pointers.begin(), names->pointers.end(),
-                                           [](const auto* a, const auto* b) { return *a < *b; });
-                                     });
-                               })
-      ->UseManualTime()
-      ->Iterations(batches);
+  const auto add = [&](const char* contestant, void (*measure)(benchmark::State&, std::size_t)) {
+    benchmark::RegisterBenchmark((work + contestant).c_str(), measure, count)
+        ->UseManualTime()
+        ->Iterations(batches);
+  };
+  add("libteleform", SortDirectory);
+  add("stable_sort", SortPointers);
 }
 
 // Time and memory for an entry, from a new directory to its text and to its end. The string is used
 // again: what the kernel takes to hand out fresh pages for a text of 100 MB is not the library's.
-void RegisterGrowth(std::size_t count) {
-  benchmark::RegisterBenchmark(
-      ("growth/entries " + std::to_string(count)).c_str(), [count](benchmark::State& state) {
-        Directory contents;
-        contents.people = MakePeople(count);
-        std::string out;
-        kTeleformWholeJob.directory(contents)(out);
-        const auto fill = [&contents](CiscoIPPhoneDirectory& document) {
-          for (const auto& person : contents.people) {
-            document.AppendEntry(person.name, person.telephone);
-          }
-        };
-        double memory = 0;
-        {
-          const auto before = mallinfo2();
-          CiscoIPPhoneDirectory document("", 1 << 30);
-          fill(document);
-          const auto after = mallinfo2();
-          memory = static_cast<double>(after.uordblks + after.hblkhd + out.size() -
-                                       before.uordblks - before.hblkhd);
-        }
-        for (auto _ : state) {
-          out.clear();
-          CiscoIPPhoneDirectory document("", 1 << 30);
-          fill(document);
-          document.Render(out);
-        }
-        state.counters["bytes_per_entry"] = memory / static_cast<double>(count);
-      });
+void FillAndRender(benchmark::State& state, std::size_t count) {
+  Directory contents;
+  contents.people = MakePeople(count);
+  std::string out;
+  kTeleformWholeJob.directory(contents)(out);
+  const auto fill = [&contents](CiscoIPPhoneDirectory& document) {
+    for (const auto& person : contents.people) document.AppendEntry(person.name, person.telephone);
+  };
+  double memory = 0;
+  {
+    const auto before = mallinfo2();
+    CiscoIPPhoneDirectory document("", 1 << 30);
+    fill(document);
+    const auto after = mallinfo2();
+    memory = static_cast<double>(after.uordblks + after.hblkhd + out.size() - before.uordblks -
+                                 before.hblkhd);
+  }
+  for (auto _ : state) {
+    out.clear();
+    CiscoIPPhoneDirectory document("", 1 << 30);
+    fill(document);
+    document.Render(out);
+  }
+  state.counters["bytes_per_entry"] = memory / static_cast<double>(count);
 }
 
 // Many documents in one string.
-void RegisterAppending(int count) {
-  benchmark::RegisterBenchmark(("growth/documents " + std::to_string(count)).c_str(),
-                               [count](benchmark::State& state) {
-                                 Screen contents;
-                                 const Renderer render = kTeleform.screen(contents);
-                                 for (auto _ : state) {
-                                   std::string out;
-                                   for (int i = 0; i < count; ++i) render(out);
-                                   benchmark::DoNotOptimize(out.data());
-                                 }
-                               });
+void AppendDocuments(benchmark::State& state, int count) {
+  const Screen contents;
+  const Renderer render = kTeleform.screen(contents);
+  for (auto _ : state) {
+    std::string out;
+    for (int i = 0; i < count; ++i) render(out);
+    benchmark::DoNotOptimize(out.data());
+  }
 }
 
 // Each thread with documents and strings of its own; the whole job has the allocator in it.
-void RegisterThreads(const Directory& contents) {
-  const auto add = [&contents](const char* name, const Contestant& contestant) {
-    for (const int threads : {1, 2}) {
-      benchmark::RegisterBenchmark(name,
-                                   [&contents, &contestant](benchmark::State& state) {
-                                     const Renderer render = contestant.directory(contents);
-                                     std::string out;
-                                     for (auto _ : state) {
-                                       out.clear();
-                                       render(out);
-                                       benchmark::DoNotOptimize(out.data());
-                                     }
-                                   })
-          ->Threads(threads)
-          ->UseRealTime();
-    }
-  };
-  add("threads/render", kTeleform);
-  add("threads/whole job", kTeleformWholeJob);
+void RenderOnThreads(benchmark::State& state, const Contestant& contestant,
+                     const Directory& contents) {
+  RenderReused(state, contestant.directory(contents));
 }
 
 }  // namespace
@@ -211,10 +184,23 @@ int main(int argc, char** argv) {
   const Screen screen;
   Register("text screen", &Contestant::screen, screen);
   for (const std::size_t names : {32UL, 1000UL, 100000UL}) RegisterSorting(names);
-  for (const std::size_t entries : {10UL, 100UL, 1000UL, 10000UL, 100000UL, 1000000UL})
-    RegisterGrowth(entries);
-  for (const int documents : {10, 100, 1000, 10000}) RegisterAppending(documents);
-  RegisterThreads(directories[2]);
+  for (const std::size_t entries : {10UL, 100UL, 1000UL, 10000UL, 100000UL, 1000000UL}) {
+    benchmark::RegisterBenchmark(("growth/entries " + std::to_string(entries)).c_str(),
+                                 FillAndRender, entries);
+  }
+  for (const int documents : {10, 100, 1000, 10000}) {
+    benchmark::RegisterBenchmark(("growth/documents " + std::to_string(documents)).c_str(),
+                                 AppendDocuments, documents);
+  }
+  for (const int threads : {1, 2}) {
+    const auto add = [&](const char* name, const Contestant& contestant) {
+      benchmark::RegisterBenchmark(name, RenderOnThreads, contestant, directories[2])
+          ->Threads(threads)
+          ->UseRealTime();
+    };
+    add("threads/render", kTeleform);
+    add("threads/whole job", kTeleformWholeJob);
+  }
 
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
