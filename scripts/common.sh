@@ -1,4 +1,7 @@
+# shellcheck shell=bash
 # Sourced by the commands beside it: what they share.
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 # need PACKAGE...: makes sure that the packages are there, or ends the command and names them.
 need() {
@@ -9,25 +12,30 @@ need() {
   done
   [ ${#missing[@]} -gt 0 ] || return 0
 
-  local as_root=()
+  asRoot=()
   if [ "$(id -u)" -ne 0 ]; then
     if ! command -v sudo >/dev/null; then
       echo "Please install these packages as root, then try again: ${missing[*]}" >&2
       exit 1
     fi
-    as_root=(sudo)
+    asRoot=(sudo)
   fi
   echo "Installing ${missing[*]} ..." >&2
-  local log
-  log=$(mktemp)
-  if ! { "${as_root[@]}" apt-get update &&
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-      apt-get install -y --no-install-recommends "${missing[@]}"; } >"$log" 2>&1 </dev/null; then
-    cat "$log" >&2
-    echo "These packages could not be installed: ${missing[*]}" >&2
-    exit 1
-  fi
-  rm -f "$log"
+  quietly updateLists
+  quietly "${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=600 \
+    install -y --no-install-recommends "${missing[@]}" </dev/null
+}
+
+# updateLists: what packages there are. apt waits for a lock on what is installed, not for this one.
+updateLists() {
+  local said
+  for _ in {1..120}; do
+    if said=$("${asRoot[@]}" apt-get update 2>&1); then return; fi
+    grep -q 'Could not get lock' <<<"$said" || break
+    sleep 5
+  done
+  echo "$said"
+  return 1
 }
 
 # quietly COMMAND...: runs it and shows what it says only if it fails.
@@ -42,13 +50,12 @@ quietly() {
   rm -f "$log"
 }
 
-# sources [PATTERN...]: the project's own files, or those of these names, in a checkout and in an
-# archive alike.
+# sources PATTERN...: the project's own files of these names, in a checkout and in an archive alike.
 sources() {
   local pattern names=()
-  for pattern in "${@:-*}"; do names+=(-o -name "$pattern"); done
-  find . \( -path ./build -o -path ./.git -o -name node_modules -o -name 'phonebook.db*' \) -prune -o \
-    -type f \( "${names[@]:1}" \) -print
+  for pattern; do names+=(-o -name "$pattern"); done
+  (cd "$root" && find . \( -path ./build -o -path ./.git -o -name node_modules -o \
+    -name 'phonebook.db*' \) -prune -o -type f \( "${names[@]:1}" \) -print)
 }
 
 # runTests BUILD [OPTION...]: runs the tests of that build, or those that the options of ctest name,
@@ -60,7 +67,8 @@ runTests() {
     >"$log" 2>&1 || grep -vE ' Passed |^ +Start ' "$log" >&2
   read -r fails all < <(sed -nE 's/.* ([0-9]+) tests? failed out of ([0-9]+)$/\1 \2/p' "$log")
   skips=$(grep -c '\*\*\*Skipped ' "$log" || true)
-  failed=$((failed + fails)) skipped=$((skipped + skips)) passed=$((passed + all - fails - skips))
+  failed=$((failed + fails)) skipped=$((skipped + skips))
+  passed=$((passed + all - fails - skips))
   grep -E 'tests passed|\(Skipped\)' "$log" >&2
 }
 
@@ -70,16 +78,17 @@ conclude() {
   [ "$failed" -eq 0 ]
 }
 
-# What the phone book is built with.
+# What the phone book is built with, and what is built.
 phonebookPackages=(g++ cmake ninja-build pkg-config libcpp-httplib-dev libcli11-dev
   nlohmann-json3-dev libsoci-dev libboost-dev libsqlite3-dev libpq-dev)
+# shellcheck disable=SC2034
+phonebook=$root/build/phonebook/examples/phonebook/phonebook
 
-# buildPhonebook ROOT: builds the phone book of that checkout in build/phonebook.
 buildPhonebook() {
   need "${phonebookPackages[@]}"
   echo "Building the phone book ..." >&2
   (
-    cd "$1"
+    cd "$root"
     quietly cmake --preset release -B build/phonebook -DTELEFORM_BUILD_PHONEBOOK=ON
     quietly cmake --build build/phonebook --target phonebook
   )

@@ -4,133 +4,53 @@
 #include <gtest/gtest.h>
 
 #include <new>
-#include <type_traits>
+#include <random>
+#include <thread>
 
 #include "allocations.h"
 
 namespace {
 
-constexpr int kLimit = 100;
 const std::string kLong = "a text that is too long to fit into a string without an allocation";
+const Construction kLongConstruction = {kLong, 100, kLong, true};
+const Arguments kLongArguments = {{kLong, kLong, kLong, kLong}, 7, 6, 2147483647, 1, ~0UL};
 
 class EveryDocument : public testing::TestWithParam<DocumentClass> {
  protected:
-  static std::unique_ptr<IPPhoneXML> Make(const char* title = "Title", int maxItems = kLimit) {
-    return GetParam().make(title, maxItems);
-  }
+  static std::unique_ptr<IPPhoneXML> Make() { return GetParam().make(kLongConstruction); }
 
-  static std::unique_ptr<IPPhoneXML> MakeFilled(const std::string& value) {
-    auto document = Make(value.c_str());
-    for (const auto& fill : FillingOperations(*document, value)) fill(*document);
+  // With as many entries, if it has any, as it takes to be sorted in every way that the sort knows.
+  static std::unique_ptr<IPPhoneXML> MakeFilled() {
+    auto document = Make();
+    FillWith(*document, kLongArguments);
+    auto* const directory = dynamic_cast<IPPhoneDirectoryXML*>(document.get());
+    for (int i = 0; directory != nullptr && i < 60; ++i) {
+      directory->AppendEntry(kLong + std::to_string(i * 37 % 60), kLong);
+    }
     return document;
-  }
-
-  // A directory long enough to be sorted in every way that the sort knows.
-  static void AppendMany(IPPhoneXML& document) {
-    auto* const directory = dynamic_cast<IPPhoneDirectoryXML*>(&document);
-    if (directory == nullptr) return;
-    for (int i = 0; i < 60; ++i) directory->AppendEntry(kLong + std::to_string(i * 37 % 60), kLong);
   }
 };
 
-std::size_t Count(const std::string& text, const std::string& part) {
-  std::size_t count = 0;
-  for (auto at = text.find(part); at != text.npos; at = text.find(part, at + 1)) ++count;
-  return count;
-}
-
-TEST_P(EveryDocument, AppendsACompleteCopyAtEveryRendering) {
-  const auto document = MakeFilled("value");
-  const std::string once = Rendered(*document);
-  const std::string root = GetParam().root;
-  EXPECT_EQ(once.find("<" + root), 0U);
-  EXPECT_EQ(once.find("</" + root + ">\n"), once.size() - root.size() - 4);
-  std::string out = "kept";
-  document->Render(out);
-  document->Render(out);
-  EXPECT_EQ(out, "kept" + once + once);
-}
-
-TEST_P(EveryDocument, TellsItsTitleAndContentType) {
-  const auto document = Make("A <b> & \"c\"");
-  EXPECT_EQ(document->GetContentType(), GetParam().contentType);
-  EXPECT_EQ(document->GetTitle(), GetParam().writesTitle ? "A <b> & \"c\"" : "");
-  EXPECT_EQ(Count(Rendered(*document), "A <b> & \"c\""), GetParam().writesTitle ? 1U : 0U);
-}
-
-TEST_P(EveryDocument, WritesTheFlagsThatItsPhonesKnow) {
-  const auto document = Make();
-  const std::string plain = Rendered(*document);
-  const std::string both =
-      std::string(GetParam().writesDestroyOnExit ? " destroyOnExit = \"yes\"" : "") +
-      (GetParam().writesBeep ? " Beep = \"yes\"" : "");
-  std::string flagged = plain;
-  flagged.insert(plain.find('>'), both);
-  document->SetAttributes(AttrDestroyOnExit | AttrBeep);
-  EXPECT_EQ(Rendered(*document), flagged);
-
-  for (const unsigned long cleared : {0x00UL, 0x02UL, 0x20UL, ~0x11UL}) {
-    document->SetAttributes(AttrDestroyOnExit | AttrBeep);
-    document->SetAttributes(cleared);
-    EXPECT_EQ(Rendered(*document), plain) << cleared;
-  }
-
-  document->SetAttributes(AttrDestroyOnExit);
-  EXPECT_EQ(Count(Rendered(*document), "destroyOnExit"), GetParam().writesDestroyOnExit ? 1U : 0U);
-  document->SetAttributes(AttrBeep);
-  EXPECT_EQ(Count(Rendered(*document), "Beep"), GetParam().writesBeep ? 1U : 0U);
-  EXPECT_EQ(Count(Rendered(*document), "destroyOnExit"), 0U);
-}
-
-TEST_P(EveryDocument, EnforcesItsLimitAndRefusesEmptyStrings) {
-  for (const int limit : {-1, 0, 1, 3}) {
-    const auto document = Make("Title", limit);
-    auto* const menu = dynamic_cast<IPPhoneMenuXML*>(document.get());
-    auto* const directory = dynamic_cast<IPPhoneDirectoryXML*>(document.get());
-    if (menu == nullptr && directory == nullptr) return;
-    const auto append = [&](const std::string& first, const std::string& second) {
-      return menu != nullptr ? menu->AppendItem(first, second)
-                             : directory->AppendEntry(first, second);
-    };
-    for (int held = 0; held < 6; ++held) {
-      const std::string before = Rendered(*document);
-      EXPECT_FALSE(append("", "second"));
-      EXPECT_FALSE(append("first", ""));
-      EXPECT_EQ(append("first", "second"), !GetParam().enforcesLimit || held < limit);
-      EXPECT_FALSE(append("", ""));
-      const bool grew = Rendered(*document) != before;
-      EXPECT_EQ(grew, !GetParam().enforcesLimit || held < limit) << "limit " << limit;
+TEST_P(EveryDocument, DoesWhatItsModelDoes) {
+  const auto seed = std::random_device{}();
+  std::mt19937 random(seed);
+  for (int round = 0; round < 300; ++round) {
+    try {
+      CompareWithModel(GetParam(), [&](unsigned end) { return unsigned(random() % end); });
+    } catch (const std::logic_error& difference) {
+      FAIL() << "seed " << seed << ", round " << round << ": " << difference.what();
     }
   }
 }
 
-TEST_P(EveryDocument, LinksThePagesBeforeAndAfterWhereItsPhonesKnowLinks) {
-  const auto document = Make();
-  const std::string plain = Rendered(*document);
-  const auto expect = [&](const std::string& links) {
-    std::string linked = plain;
-    if (GetParam().writesLinks) linked.insert(plain.find('>'), links);
-    EXPECT_EQ(Rendered(*document), linked);
-  };
-  const auto link = [&](auto* list) {
-    if (list == nullptr) return;
-    list->SetNextURI("http://a?x=1&y=2");
-    expect(" next=\"http://a?x=1&y=2\"");
-    list->SetPreviousURI("p");
-    expect(" previous=\"p\" next=\"http://a?x=1&y=2\"");
-    list->SetNextURI("");
-    expect(" previous=\"p\"");
-    list->SetPreviousURI("");
-    expect("");
-  };
-  link(dynamic_cast<IPPhoneMenuXML*>(document.get()));
-  link(dynamic_cast<IPPhoneDirectoryXML*>(document.get()));
+TEST_P(EveryDocument, IsShownOnItsMakersPage) {
+  EXPECT_EQ(kShownClasses.count(GetParam().name), 1U);
 }
 
 TEST_P(EveryDocument, CanBeDeletedThroughEachBase) {
   const long before = Allocations::Watch().alive;
   const auto deleteThrough = [](auto* none) {
-    auto document = MakeFilled(kLong);
+    auto document = MakeFilled();
     auto* const base = dynamic_cast<decltype(none)>(document.get());
     if (base == nullptr) return;
     static_cast<void>(document.release());
@@ -150,8 +70,7 @@ TEST_P(EveryDocument, CanBeDeletedThroughEachBase) {
 }
 
 TEST_P(EveryDocument, RendersWithOneAllocationAtMost) {
-  const auto document = MakeFilled(kLong);
-  AppendMany(*document);
+  const auto document = MakeFilled();
   std::string out;
   Allocations& allocations = Allocations::Watch();
   document->Render(out);
@@ -171,21 +90,22 @@ TEST_P(EveryDocument, RendersWithOneAllocationAtMost) {
 // Each operation, with memory running out at each of its allocations: what the operation could not
 // finish has not happened, and afterwards it can still be done.
 TEST_P(EveryDocument, SurvivesRunningOutOfMemoryAnywhere) {
-  auto document = MakeFilled("short");
-  AppendMany(*document);
-  auto witness = MakeFilled("short");
-  AppendMany(*witness);
-  auto operations = FillingOperations(*document, kLong);
-  operations.emplace_back([out = std::string()](IPPhoneXML& rendered) mutable {
-    out = "kept";
-    const std::string before = out;
-    try {
-      rendered.Render(out);
-    } catch (const std::bad_alloc&) {
-      EXPECT_EQ(out, before);
-      throw;
-    }
-  });
+  const auto document = MakeFilled();
+  const auto witness = MakeFilled();
+  auto operations = OperationsOn(*document, kLongArguments);
+  operations.push_back({"Render",
+                        [out = std::string()](IPPhoneXML& rendered) mutable {
+                          out = "kept";
+                          const std::string before = out;
+                          try {
+                            rendered.Render(out);
+                          } catch (const std::bad_alloc&) {
+                            EXPECT_EQ(out, before);
+                            throw;
+                          }
+                          return true;
+                        },
+                        nullptr});
   for (const auto& operation : operations) {
     for (std::size_t failAt = 1;; ++failAt) {
       ASSERT_LT(failAt, 1000U);
@@ -193,16 +113,16 @@ TEST_P(EveryDocument, SurvivesRunningOutOfMemoryAnywhere) {
       const std::string before = Rendered(*document);
       Allocations::Watch(failAt);
       try {
-        copy(*document);
+        copy.apply(*document);
         Allocations::Watch();
         break;
       } catch (const std::bad_alloc&) {
         Allocations::Watch();
-        ASSERT_EQ(Rendered(*document), before);
+        ASSERT_EQ(Rendered(*document), before) << operation.name;
       }
     }
-    operation(*witness);
-    ASSERT_EQ(Rendered(*document), Rendered(*witness));
+    operation.apply(*witness);
+    ASSERT_EQ(Rendered(*document), Rendered(*witness)) << operation.name;
   }
 }
 
@@ -211,7 +131,7 @@ TEST_P(EveryDocument, LeavesNothingBehindWhenItCannotBeConstructed) {
   for (std::size_t failAt = 1;; ++failAt) {
     Allocations::Watch(failAt);
     try {
-      const auto document = Make(kLong.c_str());
+      const auto document = Make();
       Allocations::Watch();
       break;
     } catch (const std::bad_alloc&) {
@@ -224,37 +144,96 @@ TEST_P(EveryDocument, LeavesNothingBehindWhenItCannotBeConstructed) {
 INSTANTIATE_TEST_SUITE_P(, EveryDocument, testing::ValuesIn(kDocumentClasses),
                          [](const auto& test) { return std::string(test.param.name); });
 
-// What a template can say of the classes, the compiler tests.
-template <typename... Document>
-constexpr bool CanNotBeCopiedOrMoved() {
-  return (!(std::is_copy_constructible_v<Document> || std::is_copy_assignable_v<Document> ||
-            std::is_move_constructible_v<Document> || std::is_move_assignable_v<Document>)&&...);
+// Distinct documents need no lock; the thread sanitizer sees whether that holds.
+TEST(Threads, BuildAndRenderDistinctDocuments) {
+  const auto renderAll = [] {
+    std::vector<std::string> texts;
+    for (const auto& row : kDocumentClasses) {
+      const auto document = row.make(kLongConstruction);
+      FillWith(*document, kLongArguments);
+      texts.push_back(Rendered(*document));
+    }
+    return texts;
+  };
+  std::vector<std::vector<std::string>> rendered(8);
+  std::vector<std::thread> threads;
+  threads.reserve(rendered.size());
+  for (auto& texts : rendered) {
+    threads.emplace_back([&texts, &renderAll] {
+      for (int round = 0; round < 50; ++round) texts = renderAll();
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  const auto expected = renderAll();
+  for (const auto& texts : rendered) EXPECT_EQ(texts, expected);
 }
-static_assert(CanNotBeCopiedOrMoved<
-              AastraIPPhoneTextScreen, AastraIPPhoneMenu, AastraIPPhoneDirectory,
-              AastraIPPhoneInput, AastraIPPhoneExecute, AastraIPPhoneStatus, CiscoIPPhoneDirectory,
-              PolycomIPPhoneTextScreen, SnomIPPhoneTextScreen, SnomIPPhoneMenu,
-              SnomIPPhoneDirectory, SnomIPPhoneInput, YealinkIPPhoneTextScreen, YealinkIPPhoneMenu,
-              YealinkIPPhoneDirectory, AastraIPPhone, SnomIPPhone, YealinkIPPhone>());
 
-// Titles given as C strings may be null; those given as strings end at their first NUL.
-TEST(Titles, EndAtTheFirstNul) {
-  const std::string cut("Up\0here", 7);
-  EXPECT_EQ(AastraIPPhoneTextScreen(cut).GetTitle(), "Up");
-  EXPECT_EQ(AastraIPPhoneMenu(cut, 1).GetTitle(), "Up");
-  EXPECT_EQ(AastraIPPhoneInput(cut, "IP", false).GetTitle(), "Up");
-  EXPECT_EQ(AastraIPPhoneExecute(cut).GetTitle(), "Up");
-  EXPECT_EQ(PolycomIPPhoneTextScreen(cut).GetTitle(), "Up");
-  EXPECT_EQ(SnomIPPhoneTextScreen(cut).GetTitle(), "Up");
-  EXPECT_EQ(SnomIPPhoneInput(cut, "a").GetTitle(), "Up");
-  EXPECT_EQ(YealinkIPPhoneTextScreen(cut).GetTitle(), "Up");
+// Items, entries and soft keys render by themselves, too, and those that are values are copied.
 
-  EXPECT_EQ(AastraIPPhoneDirectory(nullptr, 1).GetTitle(), "");
-  EXPECT_EQ(CiscoIPPhoneDirectory(nullptr, 1).GetTitle(), "");
-  EXPECT_EQ(SnomIPPhoneMenu(nullptr, 1).GetTitle(), "");
-  EXPECT_EQ(SnomIPPhoneDirectory(nullptr, 1).GetTitle(), "");
-  EXPECT_EQ(YealinkIPPhoneMenu(nullptr, 1).GetTitle(), "");
-  EXPECT_EQ(YealinkIPPhoneDirectory(nullptr, 1).GetTitle(), "");
+template <typename Element>
+void ExpectElement(const std::string& document) {
+  Element element("p", "u");
+  std::string out = "kept ";
+  element.Render(out);
+  if constexpr (std::is_copy_constructible_v<Element>) Element(element).Render(out = "kept ");
+  for (const auto& row : kDocumentClasses) {
+    if (row.name != document) continue;
+    EXPECT_EQ(out, "kept " + Filled(row.element, {{"first", "p"}, {"second", "u"}}));
+  }
+}
+
+TEST(Elements, RenderByThemselves) {
+  ExpectElement<AastraIPPhoneMenuItem>("AastraIPPhoneMenu");
+  ExpectElement<AastraIPPhoneDirectoryEntry>("AastraIPPhoneDirectory");
+  ExpectElement<CiscoIPPhoneDirectoryEntry>("CiscoIPPhoneDirectory");
+  ExpectElement<SnomIPPhoneMenuItem>("SnomIPPhoneMenu");
+  ExpectElement<SnomIPPhoneDirectoryEntry>("SnomIPPhoneDirectory");
+  ExpectElement<YealinkIPPhoneMenuItem>("YealinkIPPhoneMenu");
+  ExpectElement<YealinkIPPhoneDirectoryEntry>("YealinkIPPhoneDirectory");
+}
+
+template <typename Holder>
+struct Open : Holder {
+  using Holder::softKeys;
+};
+
+// Whether a copy of the second key, then assigned the first one and moved the second one, renders
+// as they do.
+template <typename Holder>
+void ExpectValues(const Open<Holder>& holder, const std::string& first, const std::string& second) {
+  auto key = holder.softKeys[1];
+  std::string out;
+  key.Render(out);
+  key = holder.softKeys[0];
+  key.Render(out);
+  key = decltype(key)(holder.softKeys[1]);
+  key.Render(out);
+  EXPECT_EQ(out, second + first + second);
+}
+
+template <typename Holder, typename Key, typename Command>
+void ExpectKeyItems() {
+  Open<Holder> holder;
+  holder.AddSoftKey(Command(1), "one");
+  holder.AddSoftKey(Command(2), "two");
+  const auto element = [](const std::string& name, const std::string& url) {
+    return "<SoftKeyItem>\n<Name>" + name + "</Name>\n<URL>" + url + "</URL>\n</SoftKeyItem>\n";
+  };
+  ExpectValues(holder, element("ENTER", "one"), element("ONHOOK", "two"));
+  std::string out;
+  Key().Render(out);
+  EXPECT_EQ(out, element("", ""));
+}
+
+TEST(SoftKeys, AreValuesThatRenderByThemselves) {
+  ExpectKeyItems<SnomIPPhone, SnomSoftKey, SnomSoftKeyCommands>();
+  ExpectKeyItems<YealinkIPPhone, YealinkSoftKey, YealinkSoftKeyCommands>();
+  Open<AastraIPPhone> holder;
+  holder.AddSoftKey(6, "One", "uri:1");
+  holder.AddSoftKey(1, "Two", AASTRA_SK_DOT);
+  ExpectValues(holder,
+               "<SoftKey index = \"6\">\n<Label>One</Label>\n<URI>uri:1</URI>\n</SoftKey>\n",
+               "<SoftKey index = \"1\">\n<Label>Two</Label>\n<URI>SoftKey:Dot</URI>\n</SoftKey>\n");
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
-// As much as may be asked of the library: very many, very long, and at once.
+// As much as may be asked of the library: very many, and very long.
 #include <gtest/gtest.h>
-
-#include <thread>
 
 #include "documents.h"
 
@@ -38,33 +36,6 @@ TEST(Limits, VeryLongStrings) {
   const std::string out = Rendered(directory);
   EXPECT_LT(out.find("<Telephone>0<"), out.find("<Telephone>a<"));
   EXPECT_LT(out.find("<Telephone>a<"), out.find("<Telephone>b<"));
-}
-
-// Distinct documents need no lock; the thread sanitizer sees whether that holds.
-TEST(Threads, BuildAndRenderDistinctDocuments) {
-  std::vector<std::string> expected;
-  const auto renderAll = [] {
-    std::vector<std::string> texts;
-    for (const auto& documentClass : kDocumentClasses) {
-      const auto document = documentClass.make("Title", 10);
-      for (const auto& fill : FillingOperations(*document, "a value that needs an allocation")) {
-        fill(*document);
-      }
-      texts.push_back(Rendered(*document));
-    }
-    return texts;
-  };
-  expected = renderAll();
-  std::vector<std::vector<std::string>> rendered(8);
-  std::vector<std::thread> threads;
-  threads.reserve(rendered.size());
-  for (auto& texts : rendered) {
-    threads.emplace_back([&texts, &renderAll] {
-      for (int round = 0; round < 50; ++round) texts = renderAll();
-    });
-  }
-  for (auto& thread : threads) thread.join();
-  for (const auto& texts : rendered) EXPECT_EQ(texts, expected);
 }
 
 }  // namespace

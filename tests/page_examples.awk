@@ -1,0 +1,45 @@
+# Takes the examples out of Markdown pages. A block of C++ and the block after it belong together:
+# the one leaves in `out`, or prints if it is a whole program, what the other shows.
+#
+# Usage: awk -f page_examples.awk PAGE...
+#        prints the source of tests
+#        awk -v program=FILE -v printed=FILE -f page_examples.awk PAGE
+#        writes the first program, and what it prints
+function finish_block() {
+  if (language == "cpp") {
+    code = block
+  } else if (code != "" && code ~ /int main\(/) {
+    if (program != "" && !programs++) {
+      printf "%s", code >program
+      printf "%s", block >printed
+    }
+    code = ""
+  } else if (code != "") {
+    page = FILENAME
+    gsub(/^.*\/|\.md$/, "", page)
+    if (program == "")
+      printf "TEST(Documentation, %sLine%d) {\n%sEXPECT_EQ(out, R\"~~(%s)~~\");\n}\n",
+        page, FNR, code, block
+    if (match(code, /(^|\n)[A-Z][a-z]+IPPhone[A-Za-z]+/)) {
+      class = substr(code, RSTART, RLENGTH)
+      sub(/^\n/, "", class)
+      if (index(tolower(class), page) == 1) classes = classes "\"" class "\", "
+    }
+    code = ""
+  }
+}
+BEGIN {
+  if (program == "") print "#include <gtest/gtest.h>\n#include \"documents.h\""
+}
+/^```/ {
+  is_inside = !is_inside
+  if (is_inside) language = substr($0, 4)
+  else finish_block()
+  block = ""
+  next
+}
+is_inside { block = block $0 "\n" }
+END {
+  if (program == "") print "const std::set<std::string> kShownClasses = {" classes "};"
+  else if (!programs) exit 1
+}
