@@ -1,6 +1,6 @@
 #!/usr/bin/awk -f
-# Gives the headings of a Markdown page the anchors by which the page links to them. Doxygen wants
-# them written out, and no two of them alike in all pages.
+# Gives the headings of a Markdown page the anchors by which pages link to them. Doxygen wants them
+# written out, and no two of them alike in all pages; and it links to headers by name, not by path.
 FNR == 1 {
   page = FILENAME
   gsub(/^.*\/|\.md$/, "", page)
@@ -12,5 +12,13 @@ FNR == 1 {
   gsub(/[^a-z0-9]+/, "-", anchor)
   $0 = $0 " {#" page "-" anchor "}"
 }
-!is_code { gsub(/\]\(#/, "](#" page "-") }
+!is_code {
+  gsub(/\]\(#/, "](#" page "-")
+  while (match($0, /\]\([a-z\/.]*\.md#/)) {
+    other = substr($0, RSTART + 2, RLENGTH - 6)
+    sub(/^.*\//, "", other)
+    $0 = substr($0, 1, RSTART + 1) "#" other "-" substr($0, RSTART + RLENGTH)
+  }
+  gsub(/\]\((\.\.\/)?examples\//, "](@ref examples/")
+}
 { print }

@@ -1,0 +1,30 @@
+#!/usr/bin/awk -f
+# Names the links of HTML and Markdown pages that lead to no file or, in HTML, to no anchor.
+FNR == 1 {
+  folder = FILENAME
+  sub(/[^\/]*$/, "", folder)
+  is_html = FILENAME ~ /\.html$/
+  pattern = is_html ? " (id|name|href|src)=\"[^\"]*\"" : "\\]\\([^)]*\\)"
+}
+!is_html && /^```/ { is_code = !is_code }
+!is_code {
+  for (; match($0, pattern); $0 = substr($0, RSTART + RLENGTH)) {
+    link = substr($0, RSTART, RLENGTH - 1)
+    is_anchor = link ~ /^ (id|name)=/
+    sub(/^[^"(]*["(]/, "", link)
+    if (is_anchor) is_there[FILENAME "#" link] = 1
+    else if (link ~ /^#./) places[FILENAME ": " link] = FILENAME link
+    else if (link !~ /^([a-z]+:|#$)/) places[FILENAME ": " link] = folder link
+  }
+}
+END {
+  for (link in places) {
+    file = place = places[link]
+    sub(/#.*/, "", file)
+    if (!(file in is_there)) is_there[file] = system("test -e '" file "'") == 0
+    if (is_there[file] && (file ~ /\.md$/ || is_there[place])) continue
+    print link " leads nowhere"
+    broken = 1
+  }
+  exit broken
+}
