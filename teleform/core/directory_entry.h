@@ -55,5 +55,6 @@ TELEFORM_EXPORT std::ostream& operator<<(std::ostream& os, const IPPhoneDirector
 /// other. That makes it unfit as the order of a standard sort: Ann is unordered against Anna and
 /// against Annb, yet Anna comes before Annb. `IPPhoneDirectoryXML::SortDirectoryItems` sorts by an
 /// order that never contradicts this one.
-/// @param a,b not null; they stay the caller's.
+/// @param a not null; it stays the caller's.
+/// @param b not null; it stays the caller's.
 TELEFORM_EXPORT bool compare_case(IPPhoneDirectoryEntry* a, IPPhoneDirectoryEntry* b);

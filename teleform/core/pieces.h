@@ -4,8 +4,8 @@
 //   Append(out,
 //          Line("<Greeting", When(isLoud, " Loud=\"yes\""), ">"),
 //          Line("<Name>", name, "</Name>"),
-//          Each(friends, [](const auto& one) { return Line("<Friend>", one.GetName(), "</Friend>");
-//          }), Line("</Greeting>"));
+//          Each(friends, [](const auto& one) { return Line("<Friend>", one, "</Friend>"); }),
+//          Line("</Greeting>"));
 //
 // The list serves twice. First the sizes of all pieces are added up and room is made in the
 // caller's string, the only step that can fail; then the pieces are copied. That way a rendering is
