@@ -239,8 +239,7 @@ Arguments ChooseArguments(const Choose& choose) {
   };
   Arguments chosen;
   for (auto& text : chosen.texts) {
-    constexpr unsigned kLongest =
-        40;  // texts of up to 32 bytes are copied otherwise than longer ones
+    constexpr unsigned kLongest = 40;  // from 33 bytes on texts are copied otherwise
     const std::string letters("a\0<&\"\xFF ", 7);
     for (unsigned i = choose(5) == 0 ? 0 : choose(kLongest); i-- > 0;) {
       text += letters[choose(static_cast<unsigned>(letters.size()))];
