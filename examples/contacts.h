@@ -15,6 +15,7 @@ struct Contact {
 
 /// Reads contacts in UTF-8, one a line: name, telephone and department, with a tab between them.
 /// Empty lines and lines that begin with # are skipped. A department may be empty, the others not.
+/// A byte-order mark before them and carriage returns at the ends of lines are not part of them.
 /// @param source what errors call the stream, such as the name of its file.
 /// @throws std::runtime_error when a line is not a contact, reading fails or there is none.
 std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& source);

@@ -1,6 +1,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace {
 
@@ -31,6 +32,41 @@ Character FirstOf(std::string_view text) {
 
 bool IsControl(char32_t code) { return code < 0x20 || (code >= 0x7f && code < 0xa0); }
 
+// What XML has to say instead of a character; nothing if it may stand there.
+std::string_view ReplacementOf(const Character& character) {
+  if (character.size == 0) return "\uFFFD";
+  switch (character.code) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\t':
+    case '\n':
+      return "";
+    default:
+      return IsControl(character.code) ? " " : "";
+  }
+}
+
+bool IsPlain(char character) {
+  return character >= ' ' && character < '\x7f' && character != '&' && character != '<' &&
+         character != '>' && character != '"';
+}
+
+template <typename Condition>
+bool AreAll(std::string_view text, Condition condition) {
+  while (!text.empty()) {
+    const Character character = FirstOf(text);
+    if (!condition(character)) return false;
+    text.remove_prefix(character.size);
+  }
+  return true;
+}
+
 }  // namespace
 
 std::string Fit(std::string_view text) {
@@ -38,22 +74,14 @@ std::string Fit(std::string_view text) {
   fit.reserve(text.size());
   while (!text.empty()) {
     const Character character = FirstOf(text);
-    if (character.size == 0) {
-      fit += "\uFFFD";
-    } else if (IsControl(character.code) && character.code != '\t' && character.code != '\n') {
-      fit += ' ';
-    } else if (character.code == '&') {
-      fit += "&amp;";
-    } else if (character.code == '<') {
-      fit += "&lt;";
-    } else if (character.code == '>') {
-      fit += "&gt;";
-    } else if (character.code == '"') {
-      fit += "&quot;";
-    } else {
-      fit += text.substr(0, character.size);
-    }
+    const std::string_view replacement = ReplacementOf(character);
+    fit += replacement.empty() ? text.substr(0, character.size) : replacement;
     text.remove_prefix(std::max<std::size_t>(character.size, 1));
+    // Most of it is plain, and goes in one piece.
+    const auto* const plain = std::find_if_not(text.begin(), text.end(), IsPlain);
+    const auto size = static_cast<std::size_t>(plain - text.begin());
+    fit += text.substr(0, size);
+    text.remove_prefix(size);
   }
   return fit;
 }
@@ -74,13 +102,27 @@ std::string PercentEncoded(std::string_view text, std::string_view kept) {
   return encoded;
 }
 
-bool IsPlainText(std::string_view text) {
-  while (!text.empty()) {
-    const Character character = FirstOf(text);
-    if (character.size == 0 || IsControl(character.code)) return false;
-    text.remove_prefix(character.size);
+std::string PercentDecoded(std::string_view text, bool isQuery) {
+  std::string decoded;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    unsigned byte = 0;
+    const char* const digits = text.data() + i + 1;
+    const bool isEncoded = text[i] == '%' && text.size() - i > 2 &&
+                           std::from_chars(digits, digits + 2, byte, 16).ptr == digits + 2;
+    decoded += isEncoded ? static_cast<char>(byte) : isQuery && text[i] == '+' ? ' ' : text[i];
+    if (isEncoded) i += 2;
   }
-  return true;
+  return decoded;
+}
+
+bool IsUTF8(std::string_view text) {
+  return AreAll(text, [](const Character& character) { return character.size > 0; });
+}
+
+bool IsPlainText(std::string_view text) {
+  return AreAll(text, [](const Character& character) {
+    return character.size > 0 && !IsControl(character.code);
+  });
 }
 
 std::size_t CountCharacters(std::string_view text) {

@@ -14,7 +14,14 @@ std::string Fit(std::string_view text);
 /// Percent-encodes all bytes but the unreserved ones of a URI and those in `kept`.
 std::string PercentEncoded(std::string_view text, std::string_view kept = "");
 
-/// Whether `text` is UTF-8 without control characters, not even tabs and line feeds.
+/// What `PercentEncoded` has encoded; a % that encodes nothing stays as it is. In a query a + is a
+/// blank.
+std::string PercentDecoded(std::string_view text, bool isQuery);
+
+/// Whether `text` is UTF-8, of characters that XML allows but for control characters.
+bool IsUTF8(std::string_view text);
+
+/// The same without control characters, not even tabs and line feeds.
 bool IsPlainText(std::string_view text);
 
 /// How many characters there are in `text`, which must be UTF-8.

@@ -79,7 +79,7 @@ conclude() {
 }
 
 # What the phone book is built with, and what is built.
-phonebookPackages=(g++ cmake ninja-build pkg-config libcpp-httplib-dev libcli11-dev
+phonebookPackages=(g++ cmake ninja-build pkg-config libcli11-dev libicu-dev
   nlohmann-json3-dev libsoci-dev libboost-dev libsqlite3-dev libpq-dev)
 # shellcheck disable=SC2034
 phonebook=$root/build/phonebook/examples/phonebook/phonebook

@@ -48,7 +48,7 @@ std::string LowerCase(std::string_view text) {
 const std::array<MakerFacts, 5>& AllMakers() {
   static constexpr std::array<MakerFacts, 5> kMakers = {{
       {Maker::kAastra, "Aastra", "aastra", 15, true},
-      {Maker::kCisco, "Cisco", "cisco", 32, true},
+      {Maker::kCisco, "Cisco", "cisco", 30, true},
       {Maker::kPolycom, "Polycom", "polycom", 8, false},
       {Maker::kSnom, "Snom", "snom", 20, false},
       {Maker::kYealink, "Yealink", "yealink", 20, false},
@@ -81,9 +81,8 @@ std::unique_ptr<IPPhoneTextScreenXML> MakeTextScreen(Maker maker, const std::str
       return std::make_unique<PolycomIPPhoneTextScreen>(title);
     case Maker::kSnom:
       return std::make_unique<SnomIPPhoneTextScreen>(title);
-    case Maker::kYealink:
-      return std::make_unique<YealinkIPPhoneTextScreen>(title);
     case Maker::kCisco:
+    case Maker::kYealink:  // has one, but without keys: nobody would find back from it
       break;
   }
   return nullptr;
@@ -138,6 +137,12 @@ std::unique_ptr<IPPhoneStatusXML> MakeStatus(Maker maker) {
 }
 
 std::string LabelOf(Key key) { return FactsOf(key).label; }
+
+bool HasSoftKeys(IPPhoneXML& document) {
+  return dynamic_cast<AastraIPPhone*>(&document) != nullptr ||
+         dynamic_cast<SnomIPPhone*>(&document) != nullptr ||
+         dynamic_cast<YealinkIPPhone*>(&document) != nullptr;
+}
 
 bool AddSoftKey(IPPhoneXML& document, Key key, const std::string& uri) {
   const KeyFacts& facts = FactsOf(key);

@@ -35,8 +35,8 @@ std::optional<Maker> MakerByPath(std::string_view path);
 std::optional<Maker> MakerByUserAgent(std::string_view userAgent);
 
 /// @name One factory a kind
-/// Each returns null for a maker that has no such document. Titles and URIs must be fit for XML. Up
-/// to `maxItems` items are accepted.
+/// Each returns null for a maker that has no such document, or none that serves here. Titles and
+/// URIs must be fit for XML. Up to `maxItems` items are accepted.
 /// @{
 std::unique_ptr<IPPhoneTextScreenXML> MakeTextScreen(Maker maker, const std::string& title);
 std::unique_ptr<IPPhoneMenuXML> MakeMenu(Maker maker, const std::string& title, int maxItems);
@@ -52,6 +52,9 @@ enum class Key { kSelect, kDial, kSubmit, kPrevious, kNext, kSearch, kHome, kExi
 
 /// What to call the key where it has no name of its own.
 std::string LabelOf(Key key);
+
+/// Whether a document can hold soft keys at all.
+bool HasSoftKeys(IPPhoneXML& document);
 
 /// Gives a document a soft key.
 /// @param uri what the key loads, fit for XML; empty for what the phone does by itself.

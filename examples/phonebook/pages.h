@@ -2,9 +2,11 @@
 /// The pages of the phone book.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "phonebook/screens.h"
@@ -24,9 +26,9 @@ class Refusal : public std::runtime_error {
 /// A phone asks for a page.
 struct Visit {
   Maker maker;
-  std::string server;                              ///< "http://" and the host, before all paths.
-  std::vector<std::string> path;                   ///< The page, and what follows it.
-  std::multimap<std::string, std::string> params;  ///< The query.
+  std::string server;                         ///< "http://" and the host, before all paths.
+  std::vector<std::string> path;              ///< The page, and what follows it.
+  std::map<std::string, std::string> params;  ///< The query.
 };
 
 /// A page that needs to be told nothing, or a sample of one that does.
@@ -39,9 +41,13 @@ std::vector<PageName> PageNames();
 /// Whether there is such a page, as a `Visit` names it.
 bool IsPage(const std::vector<std::string>& path);
 
-/// The document of the page that a phone asks for.
-/// @throws Refusal when there is no such page or the page can't be shown, Unavailable.
-Document Answer(const Visit& visit, Store& store);
+/// The document of a page, or how to compose it with what the database tells, which throws
+/// `Refusal` when the page can't be shown, or `Unavailable`.
+using Finding = std::variant<Document, std::function<Document(Store&)>>;
+
+/// The page that a phone asks for.
+/// @throws Refusal when there is none, or it is asked for wrongly.
+Finding Find(const Visit& visit);
 
 /// What a phone shows instead of the page that was asked for.
 Document Apology(Maker maker, const std::string& server, const std::string& title,

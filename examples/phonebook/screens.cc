@@ -47,7 +47,7 @@ std::string HTMLOf(const std::vector<Item>& items) {
     html += item.telephone.empty()
                 ? HTMLLink(item.uri, item.text)
                 : HTMLLink("tel:" + PercentEncoded(item.telephone, kKeptInNumbers), item.text) +
-                      " " + Fit(item.telephone);
+                      " " + Fit(item.written);
     html += kLineBreak;
   }
   return html;
@@ -61,10 +61,12 @@ std::string HTMLOf(const std::vector<SoftKey>& keys) {
   return html;
 }
 
+// A form can't stand in the paragraph that a text screen makes of its text.
 std::string HTMLOf(const Form& form) {
-  return "<form action=\"" + Fit(form.uri) + "\" method=\"get\">" + Fit(form.prompt) +
-         " <input type=\"text\" name=\"" + Fit(form.parameter) +
-         "\"/> <input type=\"submit\" value=\"" + LabelOf(Key::kSubmit) + "\"/></form>\n";
+  return "</p>\n<form action=\"" + Fit(form.uri) + "\" method=\"get\"><p><label>" +
+         Fit(form.prompt) + " <input type=\"text\" name=\"" + Fit(form.parameter) +
+         "\"/></label> <input type=\"submit\" value=\"" + LabelOf(Key::kSubmit) +
+         "\"/></p></form>\n<p>";
 }
 
 }  // namespace
@@ -80,7 +82,8 @@ Document ComposeMenu(Maker maker, const List& list) {
 }
 
 Document ComposeDirectory(Maker maker, const List& list) {
-  auto directory = MakeDirectory(maker, Fit(list.title), static_cast<int>(list.items.size()));
+  const auto most = static_cast<int>(list.items.size() + list.keys.size());
+  auto directory = MakeDirectory(maker, Fit(list.title), most);
   if (directory == nullptr) {
     auto screen = MakeTextScreen(maker, Fit(list.title));
     screen->SetText(HTMLOf(list.items) + HTMLOf(KeysAndPages(list)));
@@ -89,6 +92,10 @@ Document ComposeDirectory(Maker maker, const List& list) {
   for (const auto& item : list.items) {
     Check(directory->AppendEntry(Filled(item.text),
                                  Filled(item.telephone.empty() ? item.uri : item.telephone)));
+  }
+  for (const auto& [key, uri] : list.keys) {
+    if (uri.empty() || HasSoftKeys(*directory)) continue;
+    Check(directory->AppendEntry(LabelOf(key), Fit(uri)));
   }
   directory->SetPreviousURI(Fit(list.previous));
   directory->SetNextURI(Fit(list.next));
@@ -126,19 +133,23 @@ Document ComposeForm(Maker maker, const Form& form) {
   return screen;
 }
 
-Document ComposeCall(Maker maker, const Item& item) {
+Document ComposeCall(Maker maker, const Item& item, const std::vector<SoftKey>& keys) {
   Document call = MakeExecute(maker, "Dial:" + Fit(PercentEncoded(item.telephone, kKeptInNumbers)));
-  return call != nullptr ? std::move(call) : ComposeDirectory(maker, {item.text, {item}, {}});
+  if (call == nullptr) return ComposeDirectory(maker, {item.text, {item}, keys});
+  AddKeys(*call, keys);
+  return call;
 }
 
-Document ComposeAlert(Maker maker, const Text& text) {
+Document ComposeAlert(Maker maker, const Text& text, bool isAlarming) {
   auto status = MakeStatus(maker);
   if (status == nullptr) return ComposeText(maker, text);
   std::string message;
   for (const auto& line : text.lines) message += (message.empty() ? "" : " ") + Fit(line);
-  status->SetMessage("phonebook", message, kAlertIndex, IPPhoneStatusXML::MsgTypeAlert,
+  status->SetMessage("phonebook", message, kAlertIndex,
+                     isAlarming ? IPPhoneStatusXML::MsgTypeAlert : IPPhoneStatusXML::MsgTypeNormal,
                      kAlertTimeout);
-  status->SetAttributes(AttrBeep);
+  if (isAlarming) status->SetAttributes(AttrBeep);
+  AddKeys(*status, text.keys);
   return status;
 }
 

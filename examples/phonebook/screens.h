@@ -25,6 +25,7 @@ struct Item {
   std::string text;
   std::string uri;
   std::string telephone{};  ///< What is dialled; empty when the item leads to its URI.
+  std::string written{};    ///< The same as people write it.
 };
 
 struct List {
@@ -54,7 +55,8 @@ struct Form {
 /// A menu, else a directory, else a text screen with links.
 Document ComposeMenu(Maker maker, const List& list);
 
-/// A directory, else a text screen with links.
+/// A directory, else a text screen with links. Where it has no soft keys, those that lead somewhere
+/// are items at its end.
 Document ComposeDirectory(Maker maker, const List& list);
 
 /// A text screen, else a directory of its lines.
@@ -64,9 +66,10 @@ Document ComposeText(Maker maker, const Text& text);
 Document ComposeForm(Maker maker, const Form& form);
 
 /// A document that makes the phone dial `item`, else a directory with it alone.
-Document ComposeCall(Maker maker, const Item& item);
+Document ComposeCall(Maker maker, const Item& item, const std::vector<SoftKey>& keys);
 
-/// An alert on top of what the phone shows, else a text screen.
-Document ComposeAlert(Maker maker, const Text& text);
+/// An alert on top of what the phone shows, or without a sound if there is nothing to be alarmed
+/// at; else a text screen.
+Document ComposeAlert(Maker maker, const Text& text, bool isAlarming);
 
 }  // namespace phonebook

@@ -1,12 +1,11 @@
 #include "phonebook/server.h"
 
-#include <sys/socket.h>
-
-#include <chrono>
+#include <algorithm>
 #include <iostream>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <sstream>
-#include <thread>
+#include <string_view>
 #include <utility>
 
 #include "phonebook/assets.h"
@@ -16,57 +15,68 @@ namespace phonebook {
 
 namespace {
 
-constexpr auto kPatience = std::chrono::seconds(5);
-constexpr std::size_t kLargestRequest = 65536;
-constexpr int kKeepAliveInSeconds = 2;
-constexpr std::size_t kRequestsOfConnection = 1000;
-constexpr std::size_t kLongestBody = 8192;
-constexpr int kRetryAfterInSeconds = 5;
+constexpr const char* kPlainText = "text/plain; charset=utf-8";
+constexpr const char* kUnavailable = "The phone book can't be read now.";
 
-const char* TitleOf(int status) {
-  switch (status) {
-    case 404:
-      return "Not found";
-    case 405:
-      return "Not allowed";
-    case 413:
-    case 414:
-      return "Too large";
-    case 500:
-      return "Error";
-    case 503:
-      return "Please try again";
-    default:
-      return "Not understood";
+// What a refusal is called, and what it tells where there is no more to say.
+struct StatusFacts {
+  int status;
+  const char* title;
+  const char* reason;
+};
+constexpr StatusFacts kStatuses[] = {
+    {400, "Not understood", "The request was not understood."},
+    {404, "Not found", kNoPage},
+    {405, "Not allowed", "The phone book is only read."},
+    {408, "Too slow", "The request took too long to arrive."},
+    {413, "Too large", "The request is too large."},
+    {414, "Too long", "The address is too long."},
+    {431, "Too large", "The request's header is too large."},
+    {500, "Error", "The phone book made a mistake."},
+    {503, "Please try again", kUnavailable},
+};
+
+const StatusFacts& FactsOf(int status) {
+  for (const auto& facts : kStatuses) {
+    if (facts.status == status) return facts;
   }
+  return kStatuses[0];
 }
 
-constexpr const char* kPlainText = "text/plain; charset=utf-8";
+Reply ReplyOf(int status, const std::string& type, std::string body) {
+  return {status,
+          type,
+          std::move(body),
+          {{"Cache-Control", "no-cache"}, {"X-Content-Type-Options", "nosniff"}}};
+}
 
-void Send(IPPhoneXML& document, httplib::Response& response) {
+Reply ReplyOf(int status, IPPhoneXML& document) {
   std::string text;
   document.Render(text);
-  response.set_content(text, document.GetContentType() + "; charset=utf-8");
+  Reply reply = ReplyOf(status, document.GetContentType() + "; charset=utf-8", std::move(text));
+  if (document.GetContentType() == "text/html") {
+    reply.fields.emplace_back("Content-Security-Policy",
+                              "default-src 'none'; frame-ancestors 'none'");
+  }
+  return reply;
 }
 
 // One line; what comes from outside can't end it.
-void Log(const httplib::Request& request, int status, const std::string& reason) {
+void Log(const Request& request, int status, const std::string& reason) {
   constexpr const char* kReadable = "/ ?=&%:;,()[]'\"@!$*+";
   std::ostringstream line;
-  line << "phonebook: " << status << " " << request.method << " "
-       << PercentEncoded(request.target, kReadable) << " from "
-       << (request.remote_addr.empty() ? "somebody" : request.remote_addr) << ": "
+  line << "phonebook: " << status << " " << PercentEncoded(request.method) << " "
+       << PercentEncoded(request.target, kReadable) << " from " << request.address << ": "
        << PercentEncoded(reason, kReadable) << "\n";
   std::cerr << line.str();
 }
 
-std::vector<std::string> PartsOf(const std::string& path) {
-  std::vector<std::string> parts;
-  std::istringstream stream(path);
-  for (std::string part; std::getline(stream, part, '/');) {
-    if (!part.empty()) parts.push_back(part);
-  }
-  return parts;
+// Takes what comes before a separator, or all, off the front of `text`.
+std::string_view Take(std::string_view& text, char separator) {
+  const auto end = std::min(text.find(separator), text.size());
+  const auto taken = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  return taken;
 }
 
 }  // namespace
@@ -79,125 +89,162 @@ std::string Addresses(const std::string& server) {
   return addresses;
 }
 
-Server::Server(Store& theStore, ServerOptions theOptions)
-    : store(theStore), options(std::move(theOptions)), http(kLargestRequest, kPatience) {
-  while (!options.baseURL.empty() && options.baseURL.back() == '/') options.baseURL.pop_back();
-  http.new_task_queue = [this] {
-    return new httplib::ThreadPool(static_cast<std::size_t>(options.threads));
-  };
-  http.set_write_timeout(kPatience);
-  http.set_keep_alive_timeout(kKeepAliveInSeconds);
-  http.set_keep_alive_max_count(kRequestsOfConnection);
-  http.set_payload_max_length(kLongestBody);
-  http.set_tcp_nodelay(true);
-  http.set_default_headers({{"Cache-Control", "no-cache"}});
-  // httplib's own options would let a second server take a part of the phones of the first.
-  http.set_socket_options([this](int socket) {
-    const int isOn = 1;
-    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &isOn, sizeof isOn);
-    listening = socket;
-  });
-
-  ServePreview();
-  http.Get(".*", [this](const auto& request, auto& response) { Serve(request, response); });
-  const auto refuse = [this](const auto& request, auto& response) {
-    response.set_header("Allow", "GET, HEAD");
-    Refuse(request, response, 405, "The phone book is only read.");
-  };
-  http.Post(".*", refuse).Put(".*", refuse).Patch(".*", refuse).Delete(".*", refuse);
-  http.Options(".*", refuse);
-  http.set_error_handler([this](const auto& request, auto& response) {
-    if (!response.body.empty()) return;
-    Refuse(request, response, response.status, "The request was not understood.");
-  });
+Server::Server(const std::string& database, ServerOptions theOptions)
+    : options(std::move(theOptions)),
+      http({[this](Request request, HTTPServer::Answer answer) {
+              Serve(std::move(request), std::move(answer));
+            },
+            [this](const Request& request, int status) {
+              return Refuse(request, status, FactsOf(status).reason);
+            }},
+           {options.phones}),
+      workers(database, options.connections) {
+  MakePreview();
+  http.Every(std::chrono::milliseconds(20), [this] { workers.Watch(); });
+  http.Every(std::chrono::milliseconds(300), [this] { Refresh(); });
 }
 
-std::string Server::Bind() {
-  if (options.port == 0) {
-    options.port = http.bind_to_any_port(options.address);
-    if (options.port < 0) throw std::runtime_error("can't listen on " + options.address);
-  } else if (!http.bind_to_port(options.address, options.port)) {
-    throw std::runtime_error("can't listen on " + OwnHost());
+std::string Server::Listen() {
+  options.port = http.Listen(options.address, options.port);
+  // All addresses of a machine are not one to call.
+  const std::string& given = options.address;
+  const std::string address = given == "0.0.0.0" ? "127.0.0.1" : given == "::" ? "::1" : given;
+  const bool isIPv6 = address.find(':') != address.npos;
+  ownHost = (isIPv6 ? "[" + address + "]" : address) + ":" + std::to_string(options.port);
+  return ownHost;
+}
+
+bool Server::Run() {
+  constexpr std::chrono::milliseconds kEnd(1500);
+  http.Run(Workers::kPatience + std::chrono::milliseconds(500));
+  return workers.Stop(kEnd);
+}
+
+void Server::Serve(Request request, HTTPServer::Answer answer) {
+  if (request.method != "GET" && request.method != "HEAD") {
+    answer(Refuse(request, 405, FactsOf(405).reason));
+    return;
   }
-  // The distribution's httplib lets 5 connections wait: too few for phones that start together.
-  listen(listening, SOMAXCONN);
-  return OwnHost();
+  const auto asset = preview.find(request.target.substr(0, request.target.find('?')));
+  if (asset != preview.end()) {
+    answer(asset->second);
+    return;
+  }
+  const Visitor visitor = VisitorOf(request);
+  if (!visitor.maker && IsPage(visitor.path)) {
+    answer(ReplyOf(200, kPlainText, Addresses(visitor.base)));
+    return;
+  }
+  // The page may fail here, or on a worker.
+  struct Asked {
+    Request request;
+    HTTPServer::Answer answer;
+    std::function<Document(Store&)> question;
+  };
+  const auto asked = std::make_shared<Asked>(Asked{std::move(request), std::move(answer), nullptr});
+  Reply reply = Attempt(asked->request, [&] {
+    if (!visitor.maker) throw Refusal(404, kNoPage);
+    auto finding = Find({*visitor.maker, visitor.base, visitor.path, visitor.params});
+    if (auto* found = std::get_if<Document>(&finding)) return ReplyOf(200, **found);
+    asked->question = std::get<1>(std::move(finding));
+    return Reply{};
+  });
+  if (!asked->question) {
+    asked->answer(std::move(reply));
+    return;
+  }
+  workers.Do(
+      {[this, asked](Store& store) -> std::function<void()> {
+         auto found =
+             Attempt(asked->request, [&] { return ReplyOf(200, *asked->question(store)); });
+         return [asked, found = std::move(found)]() mutable { asked->answer(std::move(found)); };
+       },
+       [this, asked] {
+         asked->answer(Refuse(asked->request, 503, kUnavailable, "the database takes too long"));
+       }});
 }
 
-void Server::Run() {
-  if (!http.listen_after_bind()) throw std::runtime_error("can't accept connections");
-}
-
-void Server::Stop() {
-  // httplib forgets a stop that comes before it runs.
-  while (!http.is_running()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  http.stop();
-}
-
-void Server::Serve(const httplib::Request& request, httplib::Response& response) {
+// What `reply` gives, or what to say when it fails.
+Reply Server::Attempt(const Request& request, const std::function<Reply()>& reply) const {
   try {
-    const Target target = TargetOf(request);
-    if (!target.maker) {
-      if (!IsPage(target.path)) throw Refusal(404, kNoPage);
-      response.set_content(Addresses(BaseOf(request)), kPlainText);
-      return;
-    }
-    Send(*Answer({*target.maker, BaseOf(request), target.path, request.params}, store), response);
+    return reply();
   } catch (const Refusal& refusal) {
-    Refuse(request, response, refusal.status, refusal.what());
+    return Refuse(request, refusal.status, refusal.what());
   } catch (const Unavailable& error) {
-    response.set_header("Retry-After", std::to_string(kRetryAfterInSeconds));
-    Refuse(request, response, 503, "The phone book can't be read now.", error.what());
+    return Refuse(request, 503, kUnavailable, error.what());
   } catch (const std::exception& error) {
-    Refuse(request, response, 500, "The phone book made a mistake.", error.what());
+    return Refuse(request, 500, FactsOf(500).reason, error.what());
   }
 }
 
-void Server::Refuse(const httplib::Request& request, httplib::Response& response, int status,
-                    const std::string& reason, const std::string& cause) {
+Reply Server::Refuse(const Request& request, int status, const std::string& reason,
+                     const std::string& cause) const {
   Log(request, status, cause.empty() ? reason : cause);
-  response.status = status;
-  if (const auto maker = TargetOf(request).maker) {
-    Send(*Apology(*maker, BaseOf(request), TitleOf(status), reason), response);
-  } else {
-    response.set_content(reason + "\n" + Addresses(BaseOf(request)), kPlainText);
+  const Visitor visitor = VisitorOf(request);
+  Reply reply =
+      visitor.maker
+          ? ReplyOf(status, *Apology(*visitor.maker, visitor.base, FactsOf(status).title, reason))
+          : ReplyOf(status, kPlainText, reason + "\n" + Addresses(visitor.base));
+  if (status == 405) reply.fields.emplace_back("Allow", "GET, HEAD");
+  if (status == 503) reply.fields.emplace_back("Retry-After", "5");
+  return reply;
+}
+
+Server::Visitor Server::VisitorOf(const Request& request) const {
+  Visitor visitor;
+  visitor.base = options.baseURL;
+  if (visitor.base.empty()) {
+    const bool isHost =
+        !request.host.empty() && PercentEncoded(request.host, ":[]") == request.host;
+    visitor.base = "http://" + (isHost ? request.host : ownHost);
   }
-}
-
-Server::Target Server::TargetOf(const httplib::Request& request) {
-  Target target{std::nullopt, PartsOf(request.path)};
-  if (!target.path.empty()) target.maker = MakerByPath(target.path.front());
-  if (target.maker) {
-    target.path.erase(target.path.begin());
-  } else {
-    target.maker = MakerByUserAgent(request.get_header_value("User-Agent"));
+  std::string_view query = request.target;
+  for (std::string_view path = Take(query, '?'); !path.empty();) {
+    const auto segment = Take(path, '/');
+    if (!segment.empty()) visitor.path.push_back(PercentDecoded(segment, false));
   }
-  return target;
+  while (!query.empty()) {
+    std::string_view value = Take(query, '&');
+    const auto name = Take(value, '=');
+    visitor.params.emplace(PercentDecoded(name, true), PercentDecoded(value, true));
+  }
+  if (!visitor.path.empty()) visitor.maker = MakerByPath(visitor.path.front());
+  if (visitor.maker) {
+    visitor.path.erase(visitor.path.begin());
+  } else {
+    visitor.maker = MakerByUserAgent(request.userAgent);
+  }
+  return visitor;
 }
 
-std::string Server::BaseOf(const httplib::Request& request) const {
-  if (!options.baseURL.empty()) return options.baseURL;
-  const std::string host = request.get_header_value("Host");
-  const bool isHost = !host.empty() && PercentEncoded(host, ":[]") == host;
-  return "http://" + (isHost ? host : OwnHost());
+// Lets a worker sort in what other programs have written, again at once while there is more.
+void Server::Refresh() {
+  if (isRefreshing.exchange(true)) return;
+  workers.Do({[this](Store& store) -> std::function<void()> {
+                bool hasMore = false;
+                try {
+                  hasMore = store.Refresh();
+                } catch (const std::exception&) {  // phones are told, and may read what is there
+                }
+                return [this, hasMore] {
+                  isRefreshing = false;
+                  if (hasMore) Refresh();
+                };
+              },
+              [this] { isRefreshing = false; }});
 }
 
-std::string Server::OwnHost() const {
-  const bool isIPv6 = options.address.find(':') != options.address.npos;
-  return (isIPv6 ? "[" + options.address + "]" : options.address) + ":" +
-         std::to_string(options.port);
-}
-
-void Server::ServePreview() {
-  const auto serve = [this](const char* path, const std::string& content, const char* type) {
-    http.Get(path, [content, type](const auto&, auto& response) {
-      response.set_header("Content-Security-Policy", "default-src 'self'; img-src data:");
-      response.set_content(content, type);
-    });
+void Server::MakePreview() {
+  const auto add = [this](const char* path, const std::string& content, const char* type) {
+    Reply reply = ReplyOf(200, type, content);
+    reply.fields.emplace_back(
+        "Content-Security-Policy",
+        "default-src 'self'; img-src data:; base-uri 'none'; frame-ancestors 'none'");
+    preview.emplace(path, std::move(reply));
   };
-  serve("/preview", kPreviewPage, "text/html; charset=utf-8");
-  serve("/preview/preview.css", kPreviewStyle, "text/css; charset=utf-8");
-  serve("/preview/preview.js", kPreviewScript, "text/javascript; charset=utf-8");
+  add("/preview", kPreviewPage, "text/html; charset=utf-8");
+  add("/preview/preview.css", kPreviewStyle, "text/css; charset=utf-8");
+  add("/preview/preview.js", kPreviewScript, "text/javascript; charset=utf-8");
 
   nlohmann::json choices = {{"makers", nlohmann::json::array()},
                             {"pages", nlohmann::json::array()}};
@@ -207,7 +254,7 @@ void Server::ServePreview() {
   for (const auto& page : PageNames()) {
     choices["pages"].push_back({{"title", page.title}, {"path", page.path}});
   }
-  serve("/preview/choices.json", choices.dump(), "application/json");
+  add("/preview/choices.json", choices.dump(), "application/json");
 }
 
 }  // namespace phonebook

@@ -2,62 +2,69 @@
 /// The phone book over HTTP.
 #pragma once
 
-#include <httplib.h>
-
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "phonebook/bounded_server.h"
+#include "phonebook/http.h"
 #include "phonebook/pages.h"
-#include "phonebook/store.h"
+#include "phonebook/workers.h"
 
 namespace phonebook {
 
 struct ServerOptions {
   std::string address = "127.0.0.1";
-  int port = 8080;      ///< 0 takes any that is free.
-  int threads = 64;     ///< How many connections are served at the same time; the others wait.
-  std::string baseURL;  ///< "http://" and the host in links, where the Host header can't be used.
+  int port = 8080;              ///< 0 takes any that is free.
+  std::size_t phones = 20000;   ///< As many connections at the same time.
+  std::size_t connections = 8;  ///< As many questions to the database at the same time.
+  std::string baseURL;          ///< What links begin with, where the Host header can't be used.
 };
 
 /// Answers phones with documents, and browsers with the preview.
 class Server {
  public:
-  /// @param store must outlive the server.
-  Server(Store& store, ServerOptions options);
+  Server(const std::string& database, ServerOptions options);
 
   /// Opens the port.
-  /// @return the address and the port, as a URL has them.
+  /// @return an address of it and the port, as a URL has them.
   /// @throws std::runtime_error when the port can't be had.
-  std::string Bind();
+  std::string Listen();
 
-  /// Serves until `Stop`, and returns once all open requests are answered.
-  /// @throws std::runtime_error when no more connections can be accepted.
-  void Run();
+  /// Serves until `Stop`, and answers what has been asked before.
+  /// @return whether the database has let go of all workers; if not, nothing may be destroyed any
+  /// more.
+  bool Run();
 
-  /// May be called from any other thread once `Run` has been or is about to be called.
-  void Stop();
+  /// May be called from any thread.
+  void Stop() { http.Stop(); }
 
  private:
-  // Which maker's phone asks, and for what of its pages.
-  struct Target {
+  // Who asks, and for what of a maker's pages.
+  struct Visitor {
     std::optional<Maker> maker;
+    std::string base;  // what links begin with
     std::vector<std::string> path;
+    std::map<std::string, std::string> params;
   };
 
-  void Serve(const httplib::Request& request, httplib::Response& response);
-  void Refuse(const httplib::Request& request, httplib::Response& response, int status,
-              const std::string& reason, const std::string& cause = "");
-  void ServePreview();
-  static Target TargetOf(const httplib::Request& request);
-  std::string BaseOf(const httplib::Request& request) const;
-  std::string OwnHost() const;
+  void Serve(Request request, HTTPServer::Answer answer);
+  Reply Attempt(const Request& request, const std::function<Reply()>& reply) const;
+  Reply Refuse(const Request& request, int status, const std::string& reason,
+               const std::string& cause = "") const;
+  Visitor VisitorOf(const Request& request) const;
+  void Refresh();
+  void MakePreview();
 
-  Store& store;
   ServerOptions options;
-  BoundedServer http;
-  int listening = -1;
+  std::string ownHost;
+  std::map<std::string, Reply> preview;  // by path
+  HTTPServer http;
+  Workers workers;
+  std::atomic<bool> isRefreshing = false;
 };
 
 /// The addresses to try, one a maker.
