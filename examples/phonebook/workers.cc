@@ -59,7 +59,11 @@ void Workers::Work(Worker& worker) {
       worker.isAsleep = true;
       worker.wake.wait(lock, [&] { return !worker.isAsleep || isStopping; });
     }
-    if (task == nullptr && isStopping) break;
+    if (task == nullptr && isStopping) {
+      --running;
+      ended.notify_all();
+      return;
+    }
     if (!queue.empty()) {
       worker.task = std::move(queue.front());
       queue.pop_front();
@@ -69,8 +73,6 @@ void Workers::Work(Worker& worker) {
     if (task != nullptr && !isLate) answer();
     if (worker.task != nullptr) answer = worker.task->job.ask(worker.store);
   }
-  --running;
-  ended.notify_all();
 }
 
 // Where jobs take some microseconds, more than one worker spends more time on taking turns than on
