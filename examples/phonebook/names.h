@@ -12,8 +12,8 @@ namespace phonebook {
 constexpr int kLongestText = 100;
 
 /// @name Keys
-/// Keys are text that any database compares byte by byte, and texts that differ in case, accents or
-/// width alone begin alike: the key of "Ang" is a beginning of the keys of "Ångström" and "ANGELA".
+/// Keys are text that any database compares byte by byte, and those of texts that differ in case,
+/// accents or width alone begin alike: the key of "Ang" begins those of "Ångström" and "ANGELA".
 /// @{
 
 /// By which names are sorted: as readers expect it of names that differ in nothing but such.

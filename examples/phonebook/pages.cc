@@ -173,9 +173,12 @@ Finding Search(const Visit& visit) {
                     {BeginningKey(letter), {}});
   }
   if (name.empty()) {
-    auto form = ComposeForm(
-        visit.maker,
-        {"Search", "Name or department:", search, "name", {{Key::kSubmit, ""}, HomeKey(visit)}});
+    auto form = ComposeForm(visit.maker, {"Search",
+                                          "The beginnings of some words are enough.",
+                                          "Name or department:",
+                                          search,
+                                          "name",
+                                          {{Key::kSubmit, ""}, HomeKey(visit)}});
     return form != nullptr ? Finding(std::move(form)) : ChooseLetter(visit);
   }
   const auto words = WordKeys(name);

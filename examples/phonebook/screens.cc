@@ -63,7 +63,7 @@ std::string HTMLOf(const std::vector<SoftKey>& keys) {
 
 // A form can't stand in the paragraph that a text screen makes of its text.
 std::string HTMLOf(const Form& form) {
-  return "</p>\n<form action=\"" + Fit(form.uri) + "\" method=\"get\"><p><label>" +
+  return Fit(form.hint) + "</p>\n<form action=\"" + Fit(form.uri) + "\" method=\"get\"><p><label>" +
          Fit(form.prompt) + " <input type=\"text\" name=\"" + Fit(form.parameter) +
          "\"/></label> <input type=\"submit\" value=\"" + LabelOf(Key::kSubmit) +
          "\"/></p></form>\n<p>";

@@ -46,6 +46,7 @@ struct Text {
 /// A form with one field.
 struct Form {
   std::string title;
+  std::string hint;  ///< Shown where there is room for it.
   std::string prompt;
   std::string uri;
   std::string parameter;

@@ -1,0 +1,66 @@
+// What the phone book's HTTP library does at most: a server that answers every request with the same
+// bytes, without limits. Usage: bare_server PORT SIZE
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http.hpp>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace {
+
+namespace http = boost::beast::http;
+using boost::asio::ip::tcp;
+using boost::system::error_code;
+
+class Connection : public std::enable_shared_from_this<Connection> {
+ public:
+  Connection(tcp::socket theSocket, std::size_t size) : socket(std::move(theSocket)) {
+    socket.set_option(tcp::no_delay(true));
+    answer.set(http::field::content_type, "text/xml; charset=utf-8");
+    answer.set(http::field::cache_control, "no-cache");
+    answer.set("X-Content-Type-Options", "nosniff");
+    answer.body() = std::string(size, 'x');
+    answer.prepare_payload();
+  }
+
+  void Read() {
+    request = {};
+    http::async_read(socket, buffer, request,
+                     [self = shared_from_this()](error_code error, std::size_t) {
+                       if (!error) self->Write();
+                     });
+  }
+
+ private:
+  void Write() {
+    http::async_write(socket, answer, [self = shared_from_this()](error_code error, std::size_t) {
+      if (!error) self->Read();
+    });
+  }
+
+  tcp::socket socket;
+  boost::beast::flat_buffer buffer;
+  http::request<http::empty_body> request;
+  http::response<http::string_body> answer;
+};
+
+void Accept(tcp::acceptor& acceptor, std::size_t size) {
+  acceptor.async_accept([&acceptor, size](error_code error, tcp::socket socket) {
+    if (!error) std::make_shared<Connection>(std::move(socket), size)->Read();
+    Accept(acceptor, size);
+  });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) return EXIT_FAILURE;
+  boost::asio::io_context context(1);
+  const auto port = static_cast<unsigned short>(std::atoi(argv[1]));
+  tcp::acceptor acceptor(context, {boost::asio::ip::address_v4::loopback(), port});
+  Accept(acceptor, static_cast<std::size_t>(std::atoi(argv[2])));
+  context.run();
+}
