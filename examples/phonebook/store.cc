@@ -284,6 +284,8 @@ class Insert {
   soci::statement statement;
 };
 
+class Stopped {};
+
 // What libpq waits for by itself must end as well. (SOCI passes on an address as it is only if
 // there is an = in it, which these are.)
 std::string WithTimeouts(const std::string& uri) {
@@ -384,7 +386,9 @@ class Store::Connection {
   void OpenFile(const std::string& path);
   bool Begin();
   void CheckTables();
-  bool Fill(const std::vector<Contact>& contacts, const Progress& progress);
+  using GoOn = std::function<void(std::size_t done, std::size_t all)>;  // throws Stopped
+  void Fill(const std::vector<Contact>& contacts, const GoOn& goOn);
+  void FillTables(const std::vector<Contact>& contacts, const GoOn& goOn);
 
   std::array<std::array<std::unique_ptr<Select>, 2>, kCount + 1> selects;
 };
@@ -410,13 +414,20 @@ bool Store::Connection::Prepare(const std::vector<Contact>& contacts, const Prog
     CheckTables();
     return true;
   }
-  while (!Begin() && progress(0, 1)) {
+  const GoOn goOn = [&](std::size_t done, std::size_t all) {
+    if (!progress(done, all)) throw Stopped();
+  };
+  try {
+    while (!Begin()) goOn(0, 1);
+    session << dialect.lockOthersOut;
+    if (CountTables() == 0) Fill(contacts, goOn);
+    session << "COMMIT";
+  } catch (const Stopped&) {
+    session << "ROLLBACK";
+    return false;
   }
-  session << dialect.lockOthersOut;
-  const bool isDone = CountTables() > 0 || Fill(contacts, progress);
-  session << (isDone ? "COMMIT" : "ROLLBACK");
-  if (isDone) session << dialect.afterwards;
-  return isDone;
+  session << dialect.afterwards;
+  return true;
 }
 
 // Begins to write, unless others have been at it for a while.
@@ -443,31 +454,47 @@ void Store::Connection::CheckTables() {
   }
 }
 
-bool Store::Connection::Fill(const std::vector<Contact>& contacts, const Progress& progress) {
-  const bool isByColumns = &dialect == &kPostgreSQL;
+void Store::Connection::Fill(const std::vector<Contact>& contacts, const GoOn& goOn) {
   for (const auto& table : dialect.tables) session << table;
+  FillTables(contacts, goOn);
+  for (const auto& sql : dialect.afterFilling) session << sql;
+  session << kNotices;
+  goOn(1, 1);
+}
 
+void Store::Connection::FillTables(const std::vector<Contact>& contacts, const GoOn& goOn) {
+  const bool isByColumns = &dialect == &kPostgreSQL;
+  std::size_t steps = 0;
+  std::size_t done = 0;
+  std::size_t all = 1;
+  const auto step = [&] {  // also in sorting, which may take seconds
+    if (++steps % 10000 == 0) goOn(done, all);
+  };
   struct Row {
     const Contact* contact;
     std::string sortKey, words;
   };
   std::vector<Row> rows;
+  rows.reserve(contacts.size());
   for (const auto& contact : contacts) {
     rows.push_back({&contact, SortKey(contact.name), WordsOf(contact.name, contact.department)});
-    if (rows.size() % 1000 == 0 && !progress(0, 1)) return false;
+    step();
   }
-  std::stable_sort(rows.begin(), rows.end(),
-                   [](const Row& a, const Row& b) { return a.sortKey < b.sortKey; });
+  std::stable_sort(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
+    step();
+    return a.sortKey < b.sortKey;
+  });
   std::vector<std::pair<std::string, std::size_t>> words;  // and whose they are
   for (std::size_t i = 0; i < rows.size(); ++i) {
     for (const auto& word : OtherWords(rows[i].words, rows[i].sortKey)) words.emplace_back(word, i);
+    step();
   }
-  std::sort(words.begin(), words.end());
+  std::sort(words.begin(), words.end(), [&](const auto& a, const auto& b) {
+    step();
+    return a < b;
+  });
 
-  std::size_t done = 0;
-  const auto goesOn = [&] {
-    return ++done % 1000 != 0 || progress(done, rows.size() + words.size());
-  };
+  all = rows.size() + words.size();
   Insert intoContacts(session, isByColumns, "contacts",
                       {{"id", "BIGINT"},
                        {"name", "TEXT"},
@@ -480,7 +507,8 @@ bool Store::Connection::Fill(const std::vector<Contact>& contacts, const Progres
     const auto& [contact, sortKey, keys] = rows[i];
     intoContacts.Add({std::to_string(i + 1), contact->name, contact->telephone, contact->department,
                       sortKey, keys, "1"});
-    if (!goesOn()) return false;
+    ++done;
+    step();
   }
   intoContacts.Flush();
   Insert intoWords(
@@ -488,13 +516,10 @@ bool Store::Connection::Fill(const std::vector<Contact>& contacts, const Progres
       {{"word", "TEXT"}, {"sort_key", "TEXT"}, {"contact", "BIGINT"}, {"words", "TEXT"}});
   for (const auto& [word, i] : words) {
     intoWords.Add({word, rows[i].sortKey, std::to_string(i + 1), rows[i].words});
-    if (!goesOn()) return false;
+    ++done;
+    step();
   }
   intoWords.Flush();
-
-  for (const auto& sql : dialect.afterFilling) session << sql;
-  session << kNotices;
-  return progress(done, done);
 }
 
 // No connection is used by two threads at once, and nobody asks how much memory there is: SQLite
