@@ -147,7 +147,8 @@ const presses = {
   Escape: back,
 };
 
-const folded = (text) => text.normalize('NFD').replace(/\p{M}/gu, '').toLowerCase();
+// The accents come after their letters, so that "a" begins "Å", too.
+const spread = (text) => text.normalize('NFD').toLowerCase();
 
 // A character goes into the form, wherever on the phone the focus is; in a list it finds the next
 // item that begins with it.
@@ -160,7 +161,7 @@ function type(character) {
   const all = items();
   const after = all.indexOf(chosen()) + 1;
   const inTurn = [...all.slice(after), ...all.slice(0, after)];
-  inTurn.find((item) => folded(item.textContent).startsWith(folded(character)))?.focus();
+  inTurn.find((item) => spread(item.textContent).startsWith(spread(character)))?.focus();
 }
 
 function onKeyDown(event) {
