@@ -12,12 +12,10 @@ const pages = [['Home', '', /Directory.*Search/], ['Search', 'search', /Name or 
                ['Contact', 'contact/8', /\+49 30/], ['Contact', 'contact/999', /not in the/],
                ['Message', 'message', /soup & bread/], ['Alert', 'status', /Fire drill/],
                ['Dial', 'dial/8', /D'Angelo|1008/]];
-const views = [[1180, 'light'], [1180, 'dark'], [390, 'light'], [320, 'dark']];
-const pictures = {'/aastra/search?name=an 390 light': 'search',
-                  '/aastra/contact/8 390 light': 'contact',
-                  '/yealink/directory 1180 dark': 'yealink'};
-const inLight = ['aastra', 'cisco', 'polycom', 'snom'];
-for (const maker of inLight) pictures[`/${maker}/directory 1180 light`] = maker;
+const views = [[1180, 'light'], [1180, 'dark'], [390, 'dark'], [320, 'light']];
+const pictures = {'/aastra/search?name=an 390 dark': 'search',
+                  '/aastra/contact/8 390 dark': 'contact'};
+for (const {path} of makers) pictures[`/${path}/directory 1180 light`] = path;
 const browser = await chromium.launch({executablePath: '/usr/bin/chromium'});
 after(() => browser.close());
 
@@ -42,10 +40,8 @@ async function checkFitAndAccess(path) {
     await page.setViewportSize({width, height: 780});
     await page.emulateMedia({colorScheme});
     const look = `${path} ${width} ${colorScheme}`;
-    const isCut = ({scrollWidth, clientWidth}) => scrollWidth > clientWidth;
-    for (const part of ['html', '#text', '#content']) {
-      assert.ok(!await page.locator(part).evaluate(isCut), `${part}, ${look}`);
-    }
+    const areCut = (parts) => parts.some((part) => part.scrollWidth > part.clientWidth);
+    assert.ok(!await page.$$eval('html, #text, #content', areCut), look);
     const {violations} = await page.evaluate(() => window.axe.run());
     const found = violations.flatMap(({id, nodes}) => nodes.map(({html}) => `${id}: ${html}`));
     assert.deepEqual(found, [], look);
@@ -69,14 +65,14 @@ for (const {name, path: maker} of makers) {
   });
 
   test(`${name}: a colleague found and called, the message read, all by keys`, async () => {
-    const steps = [['ArrowDown Enter', 'search'], ...(
-      /cisco|yealink/.test(maker) ? [['a Enter', 'search?letter=A'], ['a Enter', 'contact/2']]
-        : [['a n g Enter', 'search?name=ang'], ['Enter', 'contact/2'], ['Enter', 'dial/2']])];
+    const found = /cisco|yealink/.test(maker)
+      ? [['a Enter', 'search?letter=A'], ['a Enter', 'contact/2'], ['Enter', 'contact/2']]
+      : [['a n g Enter', 'search?name=ang'], ['Enter', 'contact/2'], ['Enter', 'dial/2']];
+    const steps = [['ArrowDown Enter', 'search'], ...found];
+    if (/polycom|snom/.test(maker)) steps.push(['Enter', 'dial/2']);
     await open(`/${maker}/`);
     for (const [keys, path] of steps) await press(keys, `/${maker}/${path}`);
-    if (maker !== 'aastra') await press('Enter');
     assert.equal(await text('#notice'), 'Calling +493055501002');
-    if (maker !== 'aastra') await press('Escape');  // ends the call, which stands over a page
     for (const [, path] of steps.slice(0, -1).reverse()) await press('Escape', `/${maker}/${path}`);
     await press('Escape', `/${maker}/`);
     assert.equal(await focused(), 'Search');
@@ -119,5 +115,5 @@ test('what is odd, broken or away shows as such, and nothing old beside it', asy
   await shown('/snom/directory');
   await page.unrouteAll();
   await press('Enter');  // tries again
-  await page.waitForSelector('#content :text("Ångström")');
+  await page.waitForSelector('body:has(#makers a) #content :text("Ångström")');
 });
