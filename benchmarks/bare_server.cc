@@ -1,5 +1,5 @@
-// What the phone book's HTTP library does at most: a server that answers every request with the same
-// bytes, without limits. Usage: bare_server PORT SIZE
+// The most that the phone book's HTTP library can do: a server that answers every request with the
+// same bytes, and has no limits. Usage: bare_server PORT SIZE
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/beast/core/flat_buffer.hpp>

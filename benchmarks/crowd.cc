@@ -1,5 +1,5 @@
-// Connections that cost a server something and ask for nothing, until the program is ended: idle ones,
-// and others that send a request byte by byte, again when the server has had enough.
+// Connections that cost a server something and ask for nothing, until the program is ended: idle
+// ones, and others that send a request byte by byte, again when the server has had enough.
 // Usage: crowd PORT IDLE DRIPPING
 #include <sys/resource.h>
 
