@@ -5,6 +5,8 @@
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http.hpp>
 #include <cstdlib>
+#include <exception>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <utility>
@@ -56,11 +58,14 @@ void Accept(tcp::acceptor& acceptor, std::size_t size) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   if (argc != 3) return EXIT_FAILURE;
   boost::asio::io_context context(1);
   const auto port = static_cast<unsigned short>(std::atoi(argv[1]));
   tcp::acceptor acceptor(context, {boost::asio::ip::address_v4::loopback(), port});
   Accept(acceptor, static_cast<std::size_t>(std::atoi(argv[2])));
   context.run();
+} catch (const std::exception& error) {
+  std::cerr << error.what() << "\n";
+  return EXIT_FAILURE;
 }

@@ -10,6 +10,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 #include <list>
 #include <string_view>
@@ -51,7 +52,7 @@ class Dripping {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   if (argc != 4) return EXIT_FAILURE;
   rlimit files{};
   getrlimit(RLIMIT_NOFILE, &files);
@@ -66,4 +67,7 @@ int main(int argc, char** argv) {
   for (int i = 0; i < std::atoi(argv[3]); ++i) dripping.emplace_back(context, server);
   std::cout << "connected\n" << std::flush;
   context.run();
+} catch (const std::exception& error) {
+  std::cerr << error.what() << "\n";
+  return EXIT_FAILURE;
 }
