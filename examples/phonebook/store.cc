@@ -173,6 +173,34 @@ class Select {
   int limit = 0;
 };
 
+// A prepared question for one row of texts.
+template <std::size_t size, typename Key>
+class Lookup {
+ public:
+  Lookup(soci::session& session, const char* sql) : statement(session) {
+    for (auto& text : texts) statement.exchange(soci::into(text));
+    statement.exchange(soci::use(key));
+    statement.alloc();
+    statement.prepare(sql);
+    statement.define_and_bind();
+  }
+
+  // The texts of `wanted`, if there are any.
+  const std::optional<std::array<std::string, size>>& Run(const Key& wanted) {
+    key = wanted;
+    found = std::nullopt;
+    statement.execute();
+    while (statement.fetch()) found = texts;  // to the end, where SQLite lets go of what it read
+    return found;
+  }
+
+ private:
+  Key key{};
+  std::array<std::string, size> texts;
+  std::optional<std::array<std::string, size>> found;
+  soci::statement statement;
+};
+
 // Two lists in the order of the names, or the other way round, as one.
 std::vector<Listed> Merged(const std::vector<Listed>& some, const std::vector<Listed>& others,
                            bool isForward) {
@@ -329,7 +357,6 @@ class Store::Connection {
       : dialect(isPostgreSQL ? kPostgreSQL : kSQLite), identity(std::move(theIdentity)) {
     if (isPostgreSQL) {
       session.open(soci::postgresql, WithTimeouts(database));
-      // Generic plans for any page are indexes.
       // Every question is meant to take few steps through an index; what helps with many rows
       // makes these slow.
       for (const char* option :
@@ -373,6 +400,8 @@ class Store::Connection {
   bool Prepare(const std::vector<Contact>& contacts, const Progress& progress);
 
   soci::session session;
+  std::optional<Lookup<3, long long>> find;
+  std::optional<Lookup<1, std::string>> notice;
   const Dialect& dialect;
   const std::string identity;
   std::chrono::steady_clock::time_point seen = std::chrono::steady_clock::now();
@@ -611,21 +640,23 @@ Letters Store::ListLetters(const Cursor& cursor, std::size_t size) {
 }
 
 std::optional<Contact> Store::Find(long long id) {
-  return Ask<std::optional<Contact>>([&](Connection& asked) {
-    Contact found;
-    asked.session << "SELECT name, telephone, department FROM contacts WHERE id = :id",
-        soci::use(id), soci::into(found.name), soci::into(found.telephone),
-        soci::into(found.department);
-    return asked.session.got_data() ? std::optional(found) : std::nullopt;
+  return Ask<std::optional<Contact>>([&](Connection& asked) -> std::optional<Contact> {
+    auto& find = asked.find;
+    if (!find) {
+      find.emplace(asked.session,
+                   "SELECT name, telephone, department FROM contacts WHERE id = :id");
+    }
+    const auto& found = find->Run(id);
+    return found ? std::optional(Contact{(*found)[0], (*found)[1], (*found)[2]}) : std::nullopt;
   });
 }
 
 std::string Store::Notice(const std::string& name) {
-  return Ask<std::string>([&](Connection& asked) {
-    std::string text;
-    asked.session << "SELECT text FROM notices WHERE name = :name", soci::use(name),
-        soci::into(text);
-    return text;
+  return Ask<std::string>([&](Connection& asked) -> std::string {
+    auto& notice = asked.notice;
+    if (!notice) notice.emplace(asked.session, "SELECT text FROM notices WHERE name = :name");
+    const auto& found = notice->Run(name);
+    return found ? found->front() : "";
   });
 }
 
