@@ -30,7 +30,7 @@ constexpr std::array<KeyFacts, 8> kKeys = {{
      YEALINK_SK_F_MINIBROWSER_EXIT},
 }};
 
-const KeyFacts& FactsOf(Key key) {
+const KeyFacts& KeyFactsOf(Key key) {
   return *std::find_if(kKeys.begin(), kKeys.end(),
                        [&](const KeyFacts& facts) { return facts.key == key; });
 }
@@ -136,7 +136,7 @@ std::unique_ptr<IPPhoneStatusXML> MakeStatus(Maker maker) {
   return nullptr;
 }
 
-std::string LabelOf(Key key) { return FactsOf(key).label; }
+std::string LabelOf(Key key) { return KeyFactsOf(key).label; }
 
 bool HasSoftKeys(IPPhoneXML& document) {
   return dynamic_cast<AastraIPPhone*>(&document) != nullptr ||
@@ -145,7 +145,7 @@ bool HasSoftKeys(IPPhoneXML& document) {
 }
 
 bool AddSoftKey(IPPhoneXML& document, Key key, const std::string& uri) {
-  const KeyFacts& facts = FactsOf(key);
+  const KeyFacts& facts = KeyFactsOf(key);
   // The makers' keys are bases beside the kind, which knows of none.
   if (auto* aastra = dynamic_cast<AastraIPPhone*>(&document)) {
     if (!uri.empty()) return aastra->AddSoftKey(facts.aastraIndex, facts.label, uri.c_str());

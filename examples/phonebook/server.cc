@@ -36,7 +36,7 @@ constexpr StatusFacts kStatuses[] = {
     {503, "Please try again", kUnavailable},
 };
 
-const StatusFacts& FactsOf(int status) {
+const StatusFacts& StatusFactsOf(int status) {
   for (const auto& facts : kStatuses) {
     if (facts.status == status) return facts;
   }
@@ -95,7 +95,7 @@ Server::Server(const std::string& database, ServerOptions theOptions)
               Serve(std::move(request), std::move(answer));
             },
             [this](const Request& request, int status) {
-              return Refuse(request, status, FactsOf(status).reason);
+              return Refuse(request, status, StatusFactsOf(status).reason);
             }},
            {options.phones}),
       workers(database, options.connections) {
@@ -122,7 +122,7 @@ bool Server::Run() {
 
 void Server::Serve(Request request, HTTPServer::Answer answer) {
   if (request.method != "GET" && request.method != "HEAD") {
-    answer(Refuse(request, 405, FactsOf(405).reason));
+    answer(Refuse(request, 405, StatusFactsOf(405).reason));
     return;
   }
   const auto asset = preview.find(request.target.substr(0, request.target.find('?')));
@@ -173,7 +173,7 @@ Reply Server::Attempt(const Request& request, const std::function<Reply()>& repl
   } catch (const Unavailable& error) {
     return Refuse(request, 503, kUnavailable, error.what());
   } catch (const std::exception& error) {
-    return Refuse(request, 500, FactsOf(500).reason, error.what());
+    return Refuse(request, 500, StatusFactsOf(500).reason, error.what());
   }
 }
 
@@ -181,10 +181,10 @@ Reply Server::Refuse(const Request& request, int status, const std::string& reas
                      const std::string& cause) const {
   Log(request, status, cause.empty() ? reason : cause);
   const Visitor visitor = VisitorOf(request);
-  Reply reply =
-      visitor.maker
-          ? ReplyOf(status, *Apology(*visitor.maker, visitor.base, FactsOf(status).title, reason))
-          : ReplyOf(status, kPlainText, reason + "\n" + Addresses(visitor.base));
+  Reply reply = visitor.maker
+                    ? ReplyOf(status, *Apology(*visitor.maker, visitor.base,
+                                               StatusFactsOf(status).title, reason))
+                    : ReplyOf(status, kPlainText, reason + "\n" + Addresses(visitor.base));
   if (status == 405) reply.fields.emplace_back("Allow", "GET, HEAD");
   if (status == 503) reply.fields.emplace_back("Retry-After", "5");
   return reply;
