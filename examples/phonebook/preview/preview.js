@@ -30,11 +30,10 @@ function pathOf(target) {
 
 // The maker and the page that a path belongs to, as a result of a search belongs to the search.
 function placeOf(path) {
-  const [maker, page = ''] = path.replace(/[?#].*/, '').split('/').slice(1);
-  return {
-    maker: choices.makers.find((one) => one.path === maker),
-    page: choices.pages.find((one) => one.path.split('/')[0] === page),
-  };
+  const [first, second = ''] = path.replace(/[?#].*/, '').split('/').slice(1);
+  const maker = choices.makers.find((one) => one.path === first);
+  const page = maker && choices.pages.find((one) => one.path.split('/')[0] === second);
+  return {maker, page};
 }
 
 // What is reached by an address, in a word.
@@ -383,7 +382,7 @@ function drawPlace(path) {
     {name: one.name, path: `/${one.path}/${rest}`, isCurrent: one === maker})));
   drawTabs('pages', choices.pages.map((one) => (
     {name: one.title, path: `/${(maker ?? choices.makers[0]).path}/${one.path}`,
-     isCurrent: maker && one === page})));
+     isCurrent: one === page})));
   element('phone').dataset.maker = maker?.path ?? '';
   document.title = [page?.title, maker?.name, 'Phone book preview'].filter(Boolean).join(' · ');
 }
