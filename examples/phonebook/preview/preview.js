@@ -407,10 +407,10 @@ function drawFailure() {
 }
 
 // The focus goes to the screen, unless it is elsewhere: on a tab, in the source, on a soft key that
-// is there again.
+// is there again. A document that leads on at once has a new page before it is drawn.
 function placeFocus(key) {
   const content = element('content');
-  const start = items()[history.state.chosen ?? 0] ?? items()[0];
+  const start = items()[history.state?.chosen ?? 0] ?? items()[0];
   choose(start);
   content.tabIndex = start ? -1 : 0;
   if (!start) element('keys').querySelector('button')?.classList.add('first');
