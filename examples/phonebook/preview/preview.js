@@ -312,10 +312,11 @@ function drawKeys(keys) {
 const mark = (className, ...children) => make('span', {className}, ...children);
 
 // Colours a line of markup, and lets it break before and after tags; as text it stays what it is.
+// Names that run from right to left leave the tags around them in their order.
 function colouredLine(line) {
   const parts = line.split(/(<(?:"[^"]*"|[^">])*>|&[#\w]+;)/);
   return mark('line', ...parts.flatMap((part, index) => {
-    if (index % 2 === 0) return [part];
+    if (index % 2 === 0) return [make('bdi', {}, part)];
     if (part.startsWith('&')) return [mark('entity', part)];
     const pieces = part.split(/([\w:.-]+)(\s*=\s*)("[^"]*")(\/?>)?/);
     const tag = mark('tag');
