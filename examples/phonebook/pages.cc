@@ -80,15 +80,18 @@ void Link(List& list, const std::string& address, const std::string& first, cons
   if (hasAfter) list.next = other + "after=" + PercentEncoded(last);
 }
 
+// Nothing beside a place is nothing to show; without one, the phone book may be empty.
+void CheckIsThere(const Visit& visit, bool hasItems) {
+  if (!hasItems && EdgeOf(visit)) throw Refusal(404, "There is no page beyond the last one.");
+}
+
 // A list of contacts, each made an item by `item`.
 template <typename MakeItem>
 List ListOf(const Visit& visit, const std::string& title, Page page, const std::string& address,
             MakeItem item) {
   List list{title, {}, {HomeKey(visit)}};
-  if (page.contacts.empty()) {
-    if (EdgeOf(visit)) throw Refusal(404, "There is no page beyond the last one.");
-    return list;
-  }
+  CheckIsThere(visit, !page.contacts.empty());
+  if (page.contacts.empty()) return list;
   const auto& first = page.contacts.front();
   if (page.hasBefore) list.title += ", from " + first.name;
   Link(list, address, PlaceOf(first), PlaceOf(page.contacts.back()), page.hasBefore, page.hasAfter);
@@ -146,6 +149,7 @@ Finding ChooseLetter(const Visit& visit) {
   return [visit, cursor](Store& store) {
     const std::string search = AddressOf(visit, "search");
     const auto found = store.ListLetters(cursor, SizeOf(visit));
+    CheckIsThere(visit, !found.letters.empty());
     List list{"Search", {}, {HomeKey(visit), {Key::kSelect, ""}}};
     for (const auto& letter : found.letters) {
       list.items.push_back({letter.label, search + "?letter=" + PercentEncoded(letter.label)});
