@@ -173,7 +173,7 @@ Finding Search(const Visit& visit) {
     throw Refusal(400, "A search has 64 characters at most.");
   }
   if (!letter.empty()) {
-    return Contacts(visit, letter, search + "?letter=" + PercentEncoded(letter),
+    return Contacts(visit, "Search: " + letter, search + "?letter=" + PercentEncoded(letter),
                     {BeginningKey(letter), {}});
   }
   if (name.empty()) {
