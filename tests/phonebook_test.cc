@@ -421,16 +421,24 @@ void WalkAll(const Server& server, soci::session& session) {
 
 TEST_P(PhoneBook, GivesEachMakerTheNearestDocumentThatItHas) {
   const auto server = Serve();
+  std::set<std::string> keys;
   for (const auto& maker : kMakers) {
     for (std::size_t page = 0; page < kPages.size(); ++page) {
       const std::string path = "/" + maker.path + "/" + kPages[page];
-      EXPECT_EQ(Parsed(server->Get(path).text).Root(), maker.roots[page]) << path;
+      const Parsed found(server->Get(path).text);
+      EXPECT_EQ(found.Root(), maker.roots[page]) << path;
+      const Texts own = found.Find("//SoftKey[starts-with(URI, 'Soft')] | //SoftKeyItem/Name");
+      keys.insert(own.begin(), own.end());
       EXPECT_EQ(Parsed(server->Get("/" + kPages[page], maker.userAgent).text).Root(),
                 maker.roots[page])
           << maker.userAgent;
     }
     EXPECT_EQ(Parsed(server->Get("/cisco/", maker.userAgent).text).Root(), "CiscoIPPhoneDirectory");
   }
+  EXPECT_EQ(keys, (std::set<std::string>{"\nDial\nSoftKey:Dial\n", "\nExit\nSoftKey:Exit\n",
+                                         "\nSearch\nSoftKey:Submit\n", "\nSelect\nSoftKey:Select\n",
+                                         "CANCEL", "F_MINIBROWSER_DIAL", "F_MINIBROWSER_SEARCH",
+                                         "RIGHT"}));
   EXPECT_EQ(server->Get("/", "Mozilla/5.0").text, [&] {
     std::string makers;
     for (const auto& maker : kMakers) makers += server->base + "/" + maker.path + "/\n";
@@ -455,6 +463,7 @@ TEST_P(PhoneBook, GivesEachMakerTheNearestDocumentThatItHas) {
   *Connect() << "UPDATE notices SET text = ''";
   const Parsed none(server->Get("/aastra/status").text);
   EXPECT_EQ(none.First("/*/@Beep") + none.First("//Message/@type"), "");
+  EXPECT_EQ(none.First("//Message"), "\nNothing today.");
 }
 
 TEST_P(PhoneBook, PagesThroughAThousandContactsWhileOthersComeAndGo) {
@@ -588,6 +597,15 @@ TEST_P(PhoneBook, StaysXMLWithHostileContacts) {
   for (int line = 0; line < 40; ++line) shuffled += "\nmore than a page";
   *session << "UPDATE notices SET text = :text", soci::use(shuffled);
   WalkAll(*server, *session);
+  for (const char* contact :
+       {"NULL, '1', '', FALSE", "'', '1', '', FALSE", "'a', NULL, '', FALSE", "'a', '', '', FALSE",
+        "'a', '1', NULL, FALSE", "'a', '1', '', NULL"}) {
+    EXPECT_THROW(*session << "INSERT INTO contacts (name, telephone, department, is_indexed)"
+                             " VALUES ("
+                          << contact << ")",
+                 soci::soci_error)
+        << contact;
+  }
   *session << "INSERT INTO contacts (name, telephone) VALUES ('\xc2\x85', '1')";
   const std::string ignored = "\x01\x02";  // take no part in the order
   *session << "INSERT INTO contacts (name, telephone) VALUES (:name, '2')", soci::use(ignored);
@@ -611,6 +629,7 @@ TEST_P(PhoneBookOnSQLite, RefusesWhatItDoesNotServe) {
   for (int i = 0; i < 2700; ++i) ranges += ",0-";
   const std::string tooLong(65, 'x');
   std::vector<Case> cases = {
+      {"GET /" + end + "\r\n", {"200"}, "/yealink/\n"},
       {"GET /snom/" + end + ranges + "\r\n\r\n", {"200"}},
       {"GET /snom/" + end + "Accept-Encoding: br, gzip\r\n\r\n", {"200"}},
       {"GET /snom/" + end + length + "\r\n" + inner, {"200"}},
@@ -628,7 +647,6 @@ TEST_P(PhoneBookOnSQLite, RefusesWhatItDoesNotServe) {
        "too large"},
       {"GET /snom/%0a%0dfake" + end + "\r\n", {"404"}, "no such page"},
       {"GET /snom/../../etc/passwd" + end + "\r\n", {"404"}, "no such page"},
-      {"GET /snom/message/2" + end + "\r\n", {"404"}, "no such page"},
       {"GET /snom/\x1b[31m" + end + "\r\n", {"400"}},
       {"GET /snom/contact/999999" + end + "\r\n", {"404"}, "not in the phone book"},
       {"GET /snom/contact/99999999999999999999" + end + "\r\n", {"404"}, "not in the phone book"},
@@ -644,6 +662,10 @@ TEST_P(PhoneBookOnSQLite, RefusesWhatItDoesNotServe) {
   for (const char* method :
        {"POST", "PUT", "DELETE", "OPTIONS", "TRACE", "PROPFIND", "CONNECT", "UNKNOWN"}) {
     cases.push_back({method + std::string(" /snom/") + end + "\r\n", {"405"}, "only read"});
+  }
+  for (const std::string& page : kPages) {
+    const std::string beyond = "GET /snom/" + page.substr(0, page.find('?')) + "/2";
+    cases.push_back({beyond + end + "\r\n", {"404"}, "no such page"});
   }
   for (const auto& [request, statuses, said] : cases) {
     const auto before = ContentOf(server->log).size();
@@ -779,7 +801,7 @@ TEST_P(PhoneBook, LeavesNothingBehindWhenItIsStoppedWhileReadingIn) {
     return locks > 0;
   }));
   EXPECT_EQ(WEXITSTATUS(server.Stop()), 1);
-  EXPECT_TRUE(server.IsLogged("stopped; the database is as it was")) << ContentOf(server.log);
+  EXPECT_EQ(ContentOf(server.log), "phonebook: stopped; the database is as it was\n");
   EXPECT_FALSE(fs::exists(database));
   EXPECT_EQ(Parsed(Serve()->Get("/snom/directory").text).First("//Name"), "Adebayo, Folasade");
 }
