@@ -600,6 +600,8 @@ TEST_P(PhoneBook, StaysXMLWithHostileContacts) {
   for (unsigned i = 0; i < 10000; ++i)
     shuffled += static_cast<char>('!' + i * i * 2654435761U / 65536 % 90);
   hostile.push_back(shuffled);
+  // Letters of their own, though they are others with an accent, or without a dot.
+  for (const char* odd : {"Йод", "Яна", "أحمد", "يوسف", "ışık"}) hostile.emplace_back(odd);
   if (!isPostgreSQL) {  // which keeps such bytes out
     for (const char* broken : {"\xff\xfe", "a\xc3", "b\xe2\x82", "\xed\xa0\x80", "caf\xe9"}) {
       hostile.emplace_back(broken);
@@ -625,7 +627,7 @@ TEST_P(PhoneBook, StaysXMLWithHostileContacts) {
   const std::string ignored = "\x01\x02";  // take no part in the order
   *session << "INSERT INTO contacts (name, telephone) VALUES (:name, '2')", soci::use(ignored);
   EXPECT_TRUE(IsSortedIn());
-  EXPECT_EQ(Parsed(server->Get("/snom/directory").text).Items().size(), hostile.size() + 2);
+  EXPECT_EQ(Parsed(server->Get("/cisco/directory").text).Items().size(), hostile.size() + 2);
   EXPECT_GT(Parsed(server->Get("/yealink/search").text).Items().size(), 5U);
 }
 

@@ -96,25 +96,31 @@ std::set<std::string> WordKeys(std::string_view text) {
 Letter LetterOf(std::string_view name) {
   const std::string sortKey = SortKey(name);
   UErrorCode error = U_ZERO_ERROR;
+  const icu::Normalizer2* const whole = icu::Normalizer2::getNFKCInstance(error);
   const icu::Normalizer2* const plain = icu::Normalizer2::getNFKDInstance(error);
   Check(error);
   // Not always the first one: some characters take no part in the order, and some stand before the
   // one behind which they are sorted.
   constexpr int kFirstOnes = 5;
-  icu::UnicodeString some = Unicode(FirstCharacters(name, kFirstOnes));
+  icu::UnicodeString some = whole->normalize(Unicode(FirstCharacters(name, kFirstOnes)), error);
+  Check(error);
   for (; some.length() > 0; some.remove(0, some.moveIndex32(0, 1))) {
-    icu::UnicodeString letter(some.char32At(0));
-    letter = plain->normalize(letter.toUpper(icu::Locale::getRoot()), error);
-    Check(error);
-    std::string label = FirstCharacters(UTF8(letter), 1);
-    const std::string key = BeginningKey(label);
-    if (!IsPlainText(label) || key.empty() || sortKey.compare(0, key.size(), key) != 0) continue;
-    for (char latin = 'A'; latin <= 'Z'; ++latin) {  // which Ø and Ł are, too, but for a stroke
-      if (BeginningKey(std::string_view(&latin, 1)) == key) label = {latin};
+    const icu::UnicodeString letter(some.char32At(0));
+    const icu::UnicodeString capital = icu::UnicodeString(letter).toUpper(icu::Locale::getRoot());
+    // Some are letters of their own by an accent, as Й is, or by having no dot, as ı is.
+    for (const auto& candidate : {plain->normalize(capital, error), capital, letter}) {
+      Check(error);
+      std::string label = FirstCharacters(UTF8(candidate), 1);
+      const std::string key = BeginningKey(label);
+      if (!IsPlainText(label) || key.empty() || sortKey.compare(0, key.size(), key) != 0) continue;
+      for (char latin = 'A'; latin <= 'Z'; ++latin) {  // which Ø and Ł are, too, but for a stroke
+        if (BeginningKey(std::string_view(&latin, 1)) == key) label = {latin};
+      }
+      return {label, key};
     }
-    return {label, key};
   }
-  return {"", FirstCharacters(sortKey, 1)};
+  constexpr char kEndOfLetters = '\x01';  // in a key; accents and case follow
+  return {"", sortKey.substr(0, std::max<std::size_t>(sortKey.find(kEndOfLetters), 1))};
 }
 
 std::string FirstCharacters(std::string_view text, int count) {
