@@ -1,5 +1,6 @@
 #include "phonebook/http.h"
 
+#include <algorithm>
 #include <boost/asio/dispatch.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -92,6 +93,8 @@ class HTTPServer::Implementation::Connection : public std::enable_shared_from_th
     response->set(http::field::content_type, reply.type);
     for (const auto& [name, value] : reply.fields) response->set(name, value);
     response->keep_alive(isKept);
+    // Those who speak HTTP/1.0 must be told.
+    if (isKept && isOld) response->set(http::field::connection, "keep-alive");
     response->content_length(reply.body.size());
     if (!isHead) response->body() = std::move(reply.body);
     Expect(server.limits.taking);
@@ -137,6 +140,8 @@ class HTTPServer::Implementation::Connection : public std::enable_shared_from_th
       Refuse(error);
     } else if (parser->is_done()) {
       Serve();
+    } else if (buffer.size() > server.limits.header) {
+      Refuse(413);  // by what Beast collects without a limit: the edges of a body in pieces
     } else {
       Read();
     }
@@ -177,15 +182,30 @@ class HTTPServer::Implementation::Connection : public std::enable_shared_from_th
   Request Described() const {
     const auto& message = parser->get();
     const auto text = [](beast::string_view view) { return std::string(view.data(), view.size()); };
-    return {text(message.method_string()), text(message.target()), text(message[http::field::host]),
-            text(message[http::field::user_agent]), address};
+    Request request{text(message.method_string()), text(message.target()),
+                    text(message[http::field::host]), text(message[http::field::user_agent]),
+                    address};
+    const std::string scheme = "http://";
+    if (request.target.rfind(scheme, 0) == 0) {  // as phones ask that believe this to be a proxy
+      request.host = request.target.substr(scheme.size());
+      request.host.resize(std::min(request.host.find('/'), request.host.size()));
+      request.target.erase(0, scheme.size() + request.host.size());
+    }
+    return request;
   }
 
   void Serve() {
-    isKept = parser->get().keep_alive();
-    isHead = parser->get().method() == http::verb::head;
-    if (parser->get().target().size() > server.limits.target) {
+    const auto& message = parser->get();
+    isOld = message.version() < 11;
+    isKept = message.keep_alive();
+    isHead = message.method() == http::verb::head;
+    if (message.target().size() > server.limits.target) {
       Refuse(414);
+      return;
+    }
+    // Where the body ends can't be told, or is told differently by those in between.
+    if (message.count(http::field::transfer_encoding) > 0 && (isOld || !message.chunked())) {
+      Refuse(400);
       return;
     }
     due = kNever;
@@ -230,6 +250,7 @@ class HTTPServer::Implementation::Connection : public std::enable_shared_from_th
   bool isLate = false;
   bool isKept = false;
   bool isHead = false;
+  bool isOld = false;  // speaks HTTP/1.0
 };
 
 int HTTPServer::Implementation::Listen(const std::string& address, int port) {
