@@ -446,7 +446,6 @@ class Store::Connection {
 void Store::Connection::OpenFile(const std::string& path) {
   const auto open = [&](const std::string& name) {
     session.open(soci::sqlite3, "dbname=\"" + name + "\" timeout=2");
-    session << "PRAGMA mmap_size = 1073741824";
     session << "SELECT count(*) FROM sqlite_master";
   };
   try {
