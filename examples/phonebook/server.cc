@@ -1,7 +1,8 @@
 #include "phonebook/server.h"
 
 #include <algorithm>
-#include <iostream>
+#include <cstdio>
+#include <exception>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -68,7 +69,7 @@ void Log(const Request& request, int status, const std::string& reason) {
   line << "phonebook: " << status << " " << PercentEncoded(request.method) << " "
        << PercentEncoded(request.target, kReadable) << " from " << request.address << ": "
        << PercentEncoded(reason, kReadable) << "\n";
-  std::cerr << line.str();
+  std::fputs(line.str().c_str(), stderr);  // which goes on after the disk was full
 }
 
 // Takes what comes before a separator, or all, off the front of `text`.
@@ -153,15 +154,26 @@ void Server::Serve(Request request, HTTPServer::Answer answer) {
     asked->answer(std::move(reply));
     return;
   }
-  workers.Do(
-      {[this, asked](Store& store) -> std::function<void()> {
-         auto found =
-             Attempt(asked->request, [&] { return ReplyOf(200, *asked->question(store)); });
-         return [asked, found = std::move(found)]() mutable { asked->answer(std::move(found)); };
-       },
-       [this, asked] {
-         asked->answer(Refuse(asked->request, 503, kUnavailable, "the database takes too long"));
-       }});
+  workers.Do({[this, asked](Store& store) -> std::function<void()> {
+                Reply found;
+                std::exception_ptr failure;
+                try {
+                  found = ReplyOf(200, *asked->question(store));
+                } catch (...) {
+                  failure = std::current_exception();
+                }
+                // Whoever has been given up meanwhile is in the log already.
+                return [this, asked, failure, found = std::move(found)]() mutable {
+                  asked->answer(Attempt(asked->request, [&] {
+                    if (failure != nullptr) std::rethrow_exception(failure);
+                    return std::move(found);
+                  }));
+                };
+              },
+              [this, asked] {
+                asked->answer(
+                    Refuse(asked->request, 503, kUnavailable, "the database takes too long"));
+              }});
 }
 
 // What `reply` gives, or what to say when it fails.
