@@ -121,6 +121,10 @@ int Main(int argc, char** argv) {
   if (getrlimit(RLIMIT_NOFILE, &files) == 0) {
     files.rlim_cur = files.rlim_max;
     setrlimit(RLIMIT_NOFILE, &files);
+    // Phones must not take the files that the database needs.
+    const rlim_t others = 16 + 4 * options.connections;
+    const rlim_t most = std::max(files.rlim_cur, others + 1) - others;
+    options.phones = std::min<std::size_t>(options.phones, most);
   }
 
   phonebook::Server server(database, options);
