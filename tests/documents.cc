@@ -170,7 +170,7 @@ std::string WordAt(int place, const std::string& words, const std::string& other
   return otherwise;
 }
 
-std::string UpToNul(const std::string& text) { return text.c_str(); }
+std::string UpToNul(const std::string& text) { return text.substr(0, text.find('\0')); }
 
 std::string Attribute(const std::string& name, const std::string& value) {
   return value.empty() ? "" : " " + name + "=\"" + value + "\"";
