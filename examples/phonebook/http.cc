@@ -57,6 +57,7 @@ class HTTPServer::Implementation {
   asio::io_context context{1};
   std::unordered_set<std::shared_ptr<Connection>> connections;
   tcp::acceptor acceptor{context};
+  tcp::endpoint peer;  // who was accepted last; a socket tells no more once its peer has gone
   asio::steady_timer pause{context};
   asio::steady_timer end{context};
   std::chrono::milliseconds endPatience{};
@@ -69,10 +70,10 @@ class HTTPServer::Implementation {
 class HTTPServer::Implementation::Connection : public std::enable_shared_from_this<Connection> {
  public:
   Connection(Implementation& theServer, tcp::socket theSocket)
-      : server(theServer), socket(std::move(theSocket)) {
+      : server(theServer),
+        socket(std::move(theSocket)),
+        address(server.peer.address().to_string()) {
     error_code ignored;
-    const auto peer = socket.remote_endpoint(ignored);
-    address = ignored ? "" : peer.address().to_string();
     socket.set_option(tcp::no_delay(true), ignored);
   }
 
@@ -272,7 +273,7 @@ int HTTPServer::Implementation::Listen(const std::string& address, int port) {
 void HTTPServer::Implementation::Accept() {
   isAccepting = !isStopping && connections.size() < limits.connections;
   if (!isAccepting) return;
-  acceptor.async_accept([this](error_code error, tcp::socket socket) {
+  acceptor.async_accept(peer, [this](error_code error, tcp::socket socket) {
     if (isStopping) return;
     if (!error) {
       Greet(std::move(socket));
@@ -348,7 +349,7 @@ void HTTPServer::Implementation::Stop() {
     acceptor.non_blocking(true, error);
     while (!error) {
       tcp::socket socket(context);
-      acceptor.accept(socket, error);
+      acceptor.accept(socket, peer, error);
       if (!error) Greet(std::move(socket));
     }
     isStopping = true;
