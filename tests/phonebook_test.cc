@@ -862,6 +862,9 @@ TEST_P(PhoneBookOnSQLite, StartsWithWhatItCanUse) {
     EXPECT_TRUE(refused.IsLogged(said)) << ContentOf(refused.log);
     EXPECT_FALSE(fs::exists(database));
   }
+  const std::string odd = "file:a \"b\" 'c'?.db";
+  EXPECT_TRUE(Server(directory.path, odd).Listens());
+  EXPECT_GT(fs::file_size(directory.path / odd), 0U);
   const auto text = file("windows.tsv",
                          "\xEF\xBB\xBF"
                          "Anna\t1\tSales\r\nBen\t2\t\r\n");

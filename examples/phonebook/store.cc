@@ -444,17 +444,19 @@ class Store::Connection {
 };
 
 void Store::Connection::OpenFile(const std::string& path) {
+  // A name that SQLite and SOCI read nothing into.
+  const std::string uri = "file:" + PercentEncoded(std::filesystem::absolute(path).string(), "/");
   const auto open = [&](const std::string& name) {
     session.open(soci::sqlite3, "dbname=\"" + name + "\" timeout=2");
     session << "SELECT count(*) FROM sqlite_master";
   };
   try {
-    open(path);
+    open(uri);
   } catch (const soci::soci_error&) {
     // A log to write ahead can't be had beside a file that nobody may write.
     if (access(path.c_str(), W_OK) == 0) throw;
     session.close();
-    open("file:" + PercentEncoded(path, "/") + "?immutable=1");
+    open(uri + "?immutable=1");
   }
 }
 
