@@ -105,7 +105,9 @@ const Dialect kPostgreSQL = {
           'BEGIN NEW.is_indexed = FALSE; RETURN NEW; END')",
      R"(CREATE TRIGGER contacts_changed BEFORE UPDATE OF id, name, department ON contacts
           FOR EACH ROW EXECUTE FUNCTION contacts_changed())",
-     R"(CREATE FUNCTION contacts_removed() RETURNS trigger LANGUAGE plpgsql AS
+     // Who may write contacts need not have rights on the other tables.
+     R"(CREATE FUNCTION contacts_removed() RETURNS trigger LANGUAGE plpgsql
+          SECURITY DEFINER SET search_path FROM CURRENT AS
           'BEGIN
              INSERT INTO removed (contact, sort_key, words)
                VALUES (OLD.id, OLD.sort_key, OLD.words);
@@ -113,7 +115,8 @@ const Dialect kPostgreSQL = {
            END')",
      R"(CREATE TRIGGER contacts_removed AFTER DELETE OR UPDATE OF id ON contacts
           FOR EACH ROW WHEN (OLD.words IS NOT NULL) EXECUTE FUNCTION contacts_removed())",
-     R"(CREATE FUNCTION contacts_truncated() RETURNS trigger LANGUAGE plpgsql AS
+     R"(CREATE FUNCTION contacts_truncated() RETURNS trigger LANGUAGE plpgsql
+          SECURITY DEFINER SET search_path FROM CURRENT AS
           'BEGIN TRUNCATE words, removed; RETURN NULL; END')",
      R"(CREATE TRIGGER contacts_truncated AFTER TRUNCATE ON contacts
           EXECUTE FUNCTION contacts_truncated())"},
@@ -378,6 +381,8 @@ class Store::Connection {
       : dialect(isPostgreSQL ? kPostgreSQL : kSQLite), identity(std::move(theIdentity)) {
     if (isPostgreSQL) {
       session.open(soci::postgresql, WithTimeouts(database));
+      auto* const backend = session.get_backend();
+      wire = dup(PQsocket(static_cast<soci::postgresql_session_backend*>(backend)->conn_));
       // Every question is meant to take few steps through an index; what helps with many rows
       // makes these slow.
       for (const char* option :
@@ -389,6 +394,11 @@ class Store::Connection {
       OpenFile(database);
     }
   }
+  ~Connection() {
+    if (wire != -1) close(wire);
+  }
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
 
   std::vector<Listed> Run(Way way, const std::string& beginning,
                           const std::vector<std::string>& words, const Cursor& cursor,
@@ -420,6 +430,15 @@ class Store::Connection {
 
   bool Prepare(const std::vector<Contact>& contacts, const Progress& progress);
 
+  void Interrupt() {
+    if (wire != -1) {
+      shutdown(wire, SHUT_RDWR);  // the one way to end a wait for a server that doesn't answer
+    } else {
+      auto* const backend = session.get_backend();
+      sqlite_api::sqlite3_interrupt(static_cast<soci::sqlite3_session_backend*>(backend)->conn_);
+    }
+  }
+
   soci::session session;
   std::optional<Lookup<3, long long>> find;
   std::optional<Lookup<1, std::string>> notice;
@@ -428,6 +447,7 @@ class Store::Connection {
   std::chrono::steady_clock::time_point seen = std::chrono::steady_clock::now();
 
  private:
+  int wire = -1;  // to PostgreSQL: a descriptor that libpq doesn't close behind our back
   int CountTables() {
     int count = 0;
     session << dialect.countTables, soci::into(count);
@@ -601,10 +621,17 @@ Answer Store::Ask(const std::function<Answer(Connection&)>& question) {
     Connect();  // to a server that was started anew since the last question
     return question(*connection);
   } catch (const soci::soci_error& error) {
-    const std::lock_guard lock(mutex);
-    connection = nullptr;
+    Disconnect();
     throw Unavailable(error.get_error_message());
+  } catch (...) {  // which may have left a transaction open
+    Disconnect();
+    throw;
   }
+}
+
+void Store::Disconnect() {
+  const std::lock_guard lock(mutex);
+  connection = nullptr;
 }
 
 bool Store::Prepare(const std::vector<Contact>& contacts, const Progress& progress) {
@@ -770,13 +797,7 @@ void Store::Interrupt() noexcept {
   const std::unique_lock lock(mutex, std::try_to_lock);
   if (!lock || connection == nullptr) return;
   isInterrupted = true;
-  auto* const backend = connection->session.get_backend();
-  if (isPostgreSQL) {
-    // The one way to end a wait for a server that doesn't answer.
-    shutdown(PQsocket(static_cast<soci::postgresql_session_backend*>(backend)->conn_), SHUT_RDWR);
-  } else {
-    sqlite_api::sqlite3_interrupt(static_cast<soci::sqlite3_session_backend*>(backend)->conn_);
-  }
+  connection->Interrupt();
 }
 
 void Store::Connect() {

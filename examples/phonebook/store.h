@@ -107,6 +107,7 @@ class Store {
   template <typename Answer>
   Answer Ask(const std::function<Answer(Connection&)>& question);
   void Connect();
+  void Disconnect();
   bool IsConnected();
   std::string Identity() const;
 
