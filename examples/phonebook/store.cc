@@ -373,6 +373,79 @@ std::vector<std::string> OtherWords(const std::string& words, const std::string&
   return keys;
 }
 
+// A row that other programs have written, or removed.
+struct Pending {
+  long long id, contact;
+  std::string name, department, sortKey, words;
+};
+constexpr std::size_t kMostPending = 500;  // at once
+constexpr const char* kChanged =
+    "SELECT id, id, name, department, COALESCE(sort_key, ''), COALESCE(words, '') FROM contacts"
+    " WHERE is_indexed = FALSE";
+constexpr const char* kRemoved = "SELECT id, contact, '', '', sort_key, words FROM removed";
+
+std::vector<Pending> PendingRows(soci::session& session, const char* which, const char* lock) {
+  std::vector<Pending> rows;
+  Pending row;
+  soci::statement statement =
+      (session.prepare << which << " ORDER BY id LIMIT " << kMostPending << lock,
+       soci::into(row.id), soci::into(row.contact), soci::into(row.name),
+       soci::into(row.department), soci::into(row.sortKey), soci::into(row.words));
+  statement.execute();
+  while (statement.fetch()) rows.push_back(row);
+  return rows;
+}
+
+// Keeps the sort keys and the words as the contacts are.
+class Sorter {
+ public:
+  explicit Sorter(soci::session& session)
+      : dropWord((session.prepare << "DELETE FROM words WHERE word = :word AND sort_key = :key"
+                                     " AND contact = :contact",
+                  soci::use(word), soci::use(row.sortKey), soci::use(row.contact))),
+        addWord((session.prepare << "INSERT INTO words (word, sort_key, contact, words)"
+                                    " VALUES (:word, :key, :contact, :words)"
+                                    " ON CONFLICT (word, sort_key, contact)"
+                                    " DO UPDATE SET words = excluded.words",
+                 soci::use(word), soci::use(row.sortKey), soci::use(row.contact),
+                 soci::use(row.words))),
+        update((session.prepare << "UPDATE contacts SET sort_key = :key, words = :words,"
+                                   " is_indexed = TRUE WHERE id = :id",
+                soci::use(row.sortKey), soci::use(row.words), soci::use(row.id))),
+        updateAgain(
+            (session.prepare << "UPDATE contacts SET is_indexed = FALSE WHERE id = :contact",
+             soci::use(row.contact))),
+        forget((session.prepare << "DELETE FROM removed WHERE id = :id", soci::use(row.id))) {}
+
+  void Remove(const Pending& removed) {
+    row = removed;
+    updateAgain.execute(true);  // another contact that has the number now, and perhaps the words
+    DoForWords(dropWord);
+    forget.execute(true);
+  }
+
+  void SortIn(const Pending& changed) {
+    row = changed;
+    DoForWords(dropWord);
+    row.sortKey = SortKey(row.name);
+    row.words = WordsOf(row.name, row.department);
+    update.execute(true);
+    DoForWords(addWord);
+  }
+
+ private:
+  void DoForWords(soci::statement& statement) {
+    for (auto& other : OtherWords(row.words, row.sortKey)) {
+      word = std::move(other);
+      statement.execute(true);
+    }
+  }
+
+  Pending row{};
+  std::string word;
+  soci::statement dropWord, addWord, update, updateAgain, forget;
+};
+
 }  // namespace
 
 class Store::Connection {
@@ -442,6 +515,7 @@ class Store::Connection {
   soci::session session;
   std::optional<Lookup<3, long long>> find;
   std::optional<Lookup<1, std::string>> notice;
+  std::optional<Sorter> sorter;
   const Dialect& dialect;
   const std::string identity;
   std::chrono::steady_clock::time_point seen = std::chrono::steady_clock::now();
@@ -711,83 +785,30 @@ std::string Store::Notice(const std::string& name) {
 
 bool Store::Refresh() {
   using Clock = std::chrono::steady_clock;
-  constexpr std::size_t kMost = 500;
   constexpr std::chrono::seconds kLongest(1);  // however far away the database is
-  struct Row {
-    long long id, contact;
-    std::string name, department, sortKey, words;
-  };
   return Ask<bool>([&](Connection& asked) {
     soci::session& session = asked.session;
-    const auto pending = [&](const std::string& what, const std::string& lock) {
-      std::vector<Row> rows;
-      Row row;
-      soci::statement statement =
-          (session.prepare << what << " ORDER BY id LIMIT " << kMost << lock, soci::into(row.id),
-           soci::into(row.contact), soci::into(row.name), soci::into(row.department),
-           soci::into(row.sortKey), soci::into(row.words));
-      statement.execute();
-      while (statement.fetch()) rows.push_back(row);
-      return rows;
-    };
-    const std::string changed =
-        "SELECT id, id, name, department, COALESCE(sort_key, ''), COALESCE(words, '')"
-        " FROM contacts WHERE is_indexed = FALSE";
-    const std::string removed = "SELECT id, contact, '', '', sort_key, words FROM removed";
-    if (pending(changed, "").empty() && pending(removed, "").empty()) return false;
-
-    Row row;
-    std::string word;
-    soci::statement dropWord = (session.prepare << "DELETE FROM words WHERE word = :word"
-                                                   " AND sort_key = :key AND contact = :contact",
-                                soci::use(word), soci::use(row.sortKey), soci::use(row.contact));
-    soci::statement addWord =
-        (session.prepare << "INSERT INTO words (word, sort_key, contact, words) VALUES (:word,"
-                            " :key, :contact, :words) ON CONFLICT (word, sort_key, contact)"
-                            " DO UPDATE SET words = excluded.words",
-         soci::use(word), soci::use(row.sortKey), soci::use(row.contact), soci::use(row.words));
-    soci::statement sortIn =
-        (session.prepare << "UPDATE contacts SET sort_key = :key, words = :words,"
-                            " is_indexed = TRUE WHERE id = :id",
-         soci::use(row.sortKey), soci::use(row.words), soci::use(row.id));
-    soci::statement sortInAgain =
-        (session.prepare << "UPDATE contacts SET is_indexed = FALSE WHERE id = :contact",
-         soci::use(row.contact));
-    soci::statement forget =
-        (session.prepare << "DELETE FROM removed WHERE id = :id", soci::use(row.id));
-    const auto doForWords = [&](soci::statement& statement) {
-      for (auto& other : OtherWords(row.words, row.sortKey)) {
-        word = std::move(other);
-        statement.execute(true);
-      }
-    };
-
+    if (PendingRows(session, kChanged, "").empty() && PendingRows(session, kRemoved, "").empty()) {
+      return false;
+    }
+    auto& sorter = asked.sorter;
+    if (!sorter) sorter.emplace(session);
     const auto end = Clock::now() + kLongest;
     bool hasMore = false;
-    const auto doForEach = [&](const std::vector<Row>& rows, const std::function<void()>& work) {
-      hasMore = hasMore || rows.size() == kMost;
-      for (const auto& each : rows) {
+    const auto doForEach = [&](const char* which, void (Sorter::*work)(const Pending&)) {
+      const auto rows = PendingRows(session, which, asked.dialect.lockRows);
+      hasMore = hasMore || rows.size() == kMostPending;
+      for (const auto& row : rows) {
         if (Clock::now() > end) {
           hasMore = true;
           break;
         }
-        row = each;
-        work();
+        (*sorter.*work)(row);
       }
     };
     session << asked.dialect.begin;
-    doForEach(pending(removed, asked.dialect.lockRows), [&] {
-      sortInAgain.execute(true);  // another contact that has the number now, and perhaps the words
-      doForWords(dropWord);
-      forget.execute(true);
-    });
-    doForEach(pending(changed, asked.dialect.lockRows), [&] {
-      doForWords(dropWord);
-      row.sortKey = SortKey(row.name);
-      row.words = WordsOf(row.name, row.department);
-      sortIn.execute(true);
-      doForWords(addWord);
-    });
+    doForEach(kRemoved, &Sorter::Remove);  // whose numbers others may have now
+    doForEach(kChanged, &Sorter::SortIn);
     session << "COMMIT";
     return hasMore;
   });
