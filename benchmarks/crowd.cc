@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <boost/asio/buffer.hpp>
+#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -65,6 +66,7 @@ int main(int argc, char** argv) try {
   for (int i = 0; i < std::atoi(argv[2]); ++i) idle.emplace_back(context).connect(server);
   std::list<Dripping> dripping;
   for (int i = 0; i < std::atoi(argv[3]); ++i) dripping.emplace_back(context, server);
+  const auto forEver = boost::asio::make_work_guard(context);
   std::cout << "connected\n" << std::flush;
   context.run();
 } catch (const std::exception& error) {
