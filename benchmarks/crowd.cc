@@ -42,7 +42,13 @@ class Dripping {
     socket.send(boost::asio::buffer(&kRequest[sent], 1), 0, error);
     sent = std::min(sent + 1, kRequest.size() - 1);
     timer.expires_after(kPause);
-    timer.async_wait([this, error](error_code) { error ? Connect() : Drip(); });
+    timer.async_wait([this, error](error_code) {
+      if (error) {
+        Connect();
+      } else {
+        Drip();
+      }
+    });
   }
 
   tcp::endpoint server;

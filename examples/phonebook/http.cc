@@ -119,7 +119,11 @@ class HTTPServer::Implementation::Connection : public std::enable_shared_from_th
     due = kNever;
     error_code ignored;
     isLate = parser && !isIdle && !response;
-    isLate ? socket.cancel(ignored) : socket.close(ignored);
+    if (isLate) {
+      socket.cancel(ignored);
+    } else {
+      socket.close(ignored);
+    }
   }
 
   // Ends a connection on which nothing has been asked.
@@ -234,7 +238,11 @@ class HTTPServer::Implementation::Connection : public std::enable_shared_from_th
     buffer.clear();
     socket.async_read_some(buffer.prepare(4096),
                            [self = shared_from_this()](error_code error, std::size_t) {
-                             error ? self->End() : self->Drain();
+                             if (error) {
+                               self->End();
+                             } else {
+                               self->Drain();
+                             }
                            });
   }
 

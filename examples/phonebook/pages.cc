@@ -13,7 +13,7 @@ namespace phonebook {
 namespace {
 
 constexpr std::size_t kLongestSearch = 64;
-constexpr const char* kNobody = "Nobody is in the phone book";
+constexpr const char* kEmptyTitle = "Nobody is in the phone book";
 
 std::string HomeOf(const std::string& server, Maker maker) {
   return server + "/" + std::string(FactsOf(maker).path) + "/";
@@ -118,7 +118,7 @@ Finding Directory(const Visit& visit) {
                          return Item{std::move(contact.name), "", std::move(dialled),
                                      std::move(contact.telephone)};
                        });
-    if (list.items.empty()) list.title = kNobody;
+    if (list.items.empty()) list.title = kEmptyTitle;
     list.keys.push_back({Key::kDial, ""});
     list.keys.push_back({Key::kSearch, AddressOf(visit, "search")});
     return ComposeDirectory(visit.maker, list);
@@ -152,7 +152,8 @@ Finding ChooseLetter(const Visit& visit) {
     const std::string search = AddressOf(visit, "search");
     const auto found = store.ListLetters(cursor, SizeOf(visit));
     CheckIsThere(visit, !found.letters.empty());
-    List list{found.letters.empty() ? kNobody : "Search", {}, {HomeKey(visit), {Key::kSelect, ""}}};
+    List list{
+        found.letters.empty() ? kEmptyTitle : "Search", {}, {HomeKey(visit), {Key::kSelect, ""}}};
     for (const auto& letter : found.letters) {
       list.items.push_back({letter.label, search + "?letter=" + PercentEncoded(letter.label)});
     }

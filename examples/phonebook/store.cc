@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <exception>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -136,7 +137,7 @@ constexpr const char* kNotices =
 // A search first looks at some contacts in their order: where many are found, that is enough.
 constexpr int kGlance = 5000;
 
-constexpr long long kNobody = 0;  // whose number is before all others
+constexpr long long kBeforeAll = 0;  // the numbers of contacts
 
 // From a place on, forwards or backwards.
 std::string Beyond(bool isForward, const std::string& sortKey, const std::string& id) {
@@ -480,7 +481,8 @@ class Store::Connection {
     Cursor place = cursor;
     if (way == kAll || way == kRange) {
       const std::string bound = cursor.isForward ? beginning : EndOf(beginning);
-      if ((bound > cursor.sortKey) == cursor.isForward) place = {cursor.isForward, bound, kNobody};
+      if ((bound > cursor.sortKey) == cursor.isForward)
+        place = {cursor.isForward, bound, kBeforeAll};
     }
     auto& select = selects[way][cursor.isForward ? 1 : 0];
     if (!select) {
@@ -521,7 +523,6 @@ class Store::Connection {
   std::chrono::steady_clock::time_point seen = std::chrono::steady_clock::now();
 
  private:
-  int wire = -1;  // to PostgreSQL: a descriptor that libpq doesn't close behind our back
   int CountTables() {
     int count = 0;
     session << dialect.countTables, soci::into(count);
@@ -534,6 +535,7 @@ class Store::Connection {
   void Fill(const std::vector<Contact>& contacts, const GoOn& goOn);
   void FillTables(const std::vector<Contact>& contacts, const GoOn& goOn);
 
+  int wire = -1;  // to PostgreSQL: a descriptor that libpq doesn't close behind our back
   std::array<std::array<std::unique_ptr<Select>, 2>, kCount + 1> selects;
 };
 
@@ -602,9 +604,11 @@ void Store::Connection::CheckTables() {
 void Store::Connection::Fill(const std::vector<Contact>& contacts, const GoOn& goOn) {
   for (const auto& table : dialect.tables) session << table;
   FillTables(contacts, goOn);
-  for (const auto& sql : dialect.afterFilling) session << sql;
+  for (const auto& sql : dialect.afterFilling) {
+    session << sql;
+    goOn(1, 1);
+  }
   session << kNotices;
-  goOn(1, 1);
 }
 
 void Store::Connection::FillTables(const std::vector<Contact>& contacts, const GoOn& goOn) {
@@ -665,6 +669,7 @@ void Store::Connection::FillTables(const std::vector<Contact>& contacts, const G
     step();
   }
   intoWords.Flush();
+  goOn(all, all);
 }
 
 // No connection is used by two threads at once, and nobody asks how much memory there is: SQLite
@@ -711,13 +716,14 @@ void Store::Disconnect() {
 bool Store::Prepare(const std::vector<Contact>& contacts, const Progress& progress) {
   const bool isNewFile = !isPostgreSQL && MakeFile(database);
   bool isDone = false;
+  std::exception_ptr failure;
   try {
     isDone = Ask<bool>([&](Connection& asked) { return asked.Prepare(contacts, progress); });
   } catch (const std::exception&) {
-    if (isNewFile) std::filesystem::remove(database);
-    if (progress(0, 1)) throw;
+    failure = std::current_exception();
   }
   if (isNewFile && !isDone) std::filesystem::remove(database);
+  if (failure != nullptr && progress(0, 1)) std::rethrow_exception(failure);
   return isDone;
 }
 
