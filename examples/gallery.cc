@@ -2,30 +2,65 @@
 //
 // Usage: gallery CONTACTS [DOCUMENT]
 //
-// CONTACTS is a file as contacts.h describes it. DOCUMENT is the name of a class, to see that
-// document alone.
+// CONTACTS is a file of contacts in UTF-8, one a line: name, telephone and department, with a tab
+// between them. Empty lines and lines that begin with # are skipped. DOCUMENT is the name of a
+// class, to see that document alone.
+#include <teleform/screens/escape.h>
 #include <teleform/teleform.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <regex>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "contacts.h"
-#include "text.h"
-
 namespace {
 
+using teleform::screens::EscapeXML;
+
+struct Contact {
+  std::string name;
+  std::string telephone;
+  std::string department;
+};
 using Contacts = std::vector<Contact>;
+
+Contacts ReadContacts(const std::string& path) {
+  static const std::regex fields("([^\t]+)\t([^\t]+)\t([^\t]*)");
+  Contacts contacts;
+  std::ifstream file(path);
+  std::string line;
+  for (int number = 1; std::getline(file, line); ++number) {
+    if (line.empty() || line.front() == '#') continue;
+    std::smatch match;
+    if (!std::regex_match(line, match, fields)) {
+      throw std::runtime_error(path + ":" + std::to_string(number) +
+                               ": expected a name, a telephone and a department with tabs between");
+    }
+    contacts.push_back({match[1], match[2], match[3]});
+  }
+  if (!file.eof()) throw std::runtime_error(path + ": " + std::strerror(errno));
+  if (contacts.empty()) throw std::runtime_error(path + ": no contacts in it");
+  return contacts;
+}
 
 const std::string kServer = "http://phonebook.example/";
 
+// What a phone dials: the number without what makes it readable.
+std::string DialString(const std::string& telephone) {
+  return std::regex_replace(telephone, std::regex("[ ./()-]"), "");
+}
+
 void AppendCard(const Contact& contact, IPPhoneTextScreenXML& screen) {
-  screen.SetText(Fit(contact.name) + ", " + Fit(contact.department) + ": " +
-                 Fit(contact.telephone));
+  screen.SetText(EscapeXML(contact.name) + ", " + EscapeXML(contact.department) + ": " +
+                 EscapeXML(contact.telephone));
 }
 
 void AppendDepartments(const Contacts& contacts, IPPhoneMenuXML& menu) {
@@ -34,13 +69,13 @@ void AppendDepartments(const Contacts& contacts, IPPhoneMenuXML& menu) {
     const std::string& department = contact.department;
     if (std::find(seen.begin(), seen.end(), department) != seen.end()) continue;
     seen.push_back(department);
-    menu.AppendItem(Fit(department), kServer + "department/" + std::to_string(seen.size()));
+    menu.AppendItem(EscapeXML(department), kServer + "department/" + std::to_string(seen.size()));
   }
 }
 
 void AppendContacts(const Contacts& contacts, IPPhoneDirectoryXML& directory) {
   for (const auto& contact : contacts) {
-    if (!directory.AppendEntry(Fit(contact.name), Fit(contact.telephone))) break;
+    if (!directory.AppendEntry(EscapeXML(contact.name), EscapeXML(contact.telephone))) break;
   }
   directory.SortDirectoryItems();
   directory.SetPreviousURI(kServer + "people?page=1");
@@ -49,18 +84,18 @@ void AppendContacts(const Contacts& contacts, IPPhoneDirectoryXML& directory) {
 
 void AskForName(IPPhoneInputXML& form) { form.SetParams("Name:", kServer + "find", "name", ""); }
 
-struct Exhibit {
+struct Sample {
   const char* name;
   std::function<std::unique_ptr<IPPhoneXML>(const Contacts&)> make;
 };
 
-const std::vector<Exhibit> kGallery = {
+const std::vector<Sample> kSamples = {
     {"AastraIPPhoneTextScreen",
      [](const Contacts& contacts) {
        auto screen = std::make_unique<AastraIPPhoneTextScreen>("Contact");
        AppendCard(contacts.front(), *screen);
        screen->SetAttributes(AttrDestroyOnExit);
-       screen->AddSoftKey(1, "Dial", ("tel:" + Dialled(contacts.front().telephone)).c_str());
+       screen->AddSoftKey(1, "Dial", ("tel:" + DialString(contacts.front().telephone)).c_str());
        screen->AddSoftKey(6, "Exit", AASTRA_SK_EXIT);
        return screen;
      }},
@@ -87,12 +122,12 @@ const std::vector<Exhibit> kGallery = {
      }},
     {"AastraIPPhoneExecute",
      [](const Contacts& contacts) {
-       return std::make_unique<AastraIPPhoneExecute>("Dial:" + Dialled(contacts.front().telephone));
+       return std::make_unique<AastraIPPhoneExecute>("Dial:" + DialString(contacts.front().telephone));
      }},
     {"AastraIPPhoneStatus",
      [](const Contacts& contacts) {
        auto status = std::make_unique<AastraIPPhoneStatus>();
-       status->SetMessage("phonebook", "Missed: " + Fit(contacts.front().name), 1,
+       status->SetMessage("phonebook", "Missed: " + EscapeXML(contacts.front().name), 1,
                           IPPhoneStatusXML::MsgTypeAlert, 10);
        status->SetAttributes(AttrBeep);
        return status;
@@ -113,7 +148,7 @@ const std::vector<Exhibit> kGallery = {
      [](const Contacts& contacts) {
        auto screen = std::make_unique<SnomIPPhoneTextScreen>("Contact");
        AppendCard(contacts.front(), *screen);
-       screen->AddSoftKey(SNOM_SK_ENTER, ("tel:" + Dialled(contacts.front().telephone)).c_str());
+       screen->AddSoftKey(SNOM_SK_ENTER, ("tel:" + DialString(contacts.front().telephone)).c_str());
        return screen;
      }},
     {"SnomIPPhoneMenu",
@@ -156,11 +191,11 @@ const std::vector<Exhibit> kGallery = {
      }},
 };
 
-void Show(const Exhibit& exhibit, const Contacts& contacts) {
-  const auto document = exhibit.make(contacts);
+void Show(const Sample& sample, const Contacts& contacts) {
+  const auto document = sample.make(contacts);
   std::string text;
   document->Render(text);
-  std::cout << "== " << exhibit.name << ", " << document->GetContentType() << " ==\n"
+  std::cout << "== " << sample.name << ", " << document->GetContentType() << " ==\n"
             << text << "\n";
 }
 
@@ -171,22 +206,22 @@ int main(int argc, char** argv) {
     std::cerr << "usage: gallery CONTACTS [DOCUMENT]\n";
     return 2;
   }
-  std::vector<Exhibit> chosen = kGallery;
+  std::vector<Sample> chosen = kSamples;
   if (argc == 3) {
     chosen.erase(std::remove_if(chosen.begin(), chosen.end(),
-                                [&](const Exhibit& exhibit) {
-                                  return std::string_view(exhibit.name) != argv[2];
+                                [&](const Sample& sample) {
+                                  return std::string_view(sample.name) != argv[2];
                                 }),
                  chosen.end());
     if (chosen.empty()) {
       std::cerr << "gallery: there is no document " << argv[2] << "; the documents are\n";
-      for (const auto& exhibit : kGallery) std::cerr << "  " << exhibit.name << "\n";
+      for (const auto& sample : kSamples) std::cerr << "  " << sample.name << "\n";
       return 2;
     }
   }
   try {
     const Contacts contacts = ReadContacts(argv[1]);
-    for (const auto& exhibit : chosen) Show(exhibit, contacts);
+    for (const auto& sample : chosen) Show(sample, contacts);
   } catch (const std::exception& error) {
     std::cerr << "gallery: " << error.what() << "\n";
     return 1;

@@ -82,7 +82,7 @@ conclude() {
 phonebookPackages=(g++ cmake ninja-build pkg-config libcli11-dev libicu-dev
   nlohmann-json3-dev libsoci-dev libboost-dev libsqlite3-dev libpq-dev)
 # shellcheck disable=SC2034
-phonebook=$root/build/phonebook/examples/phonebook/phonebook
+phonebook=$root/build/phonebook/phonebook/phonebook
 
 buildPhonebook() {
   need "${phonebookPackages[@]}"

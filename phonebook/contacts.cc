@@ -1,4 +1,4 @@
-#include "contacts.h"
+#include "phonebook/contacts.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -7,7 +7,9 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "text.h"
+#include "phonebook/text.h"
+
+namespace phonebook {
 
 std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& source) {
   std::vector<Contact> read;
@@ -42,7 +44,7 @@ std::vector<Contact> ReadContacts(const std::string& path) {
   return ReadContacts(file, path);
 }
 
-std::string Dialled(std::string_view telephone) {
+std::string DialString(std::string_view telephone) {
   constexpr std::string_view kSeparators = " -./()";
   std::string number;
   std::copy_if(telephone.begin(), telephone.end(), std::back_inserter(number),
@@ -50,3 +52,5 @@ std::string Dialled(std::string_view telephone) {
   const bool isNumber = !number.empty() && number.find_first_not_of("0123456789+*#") == number.npos;
   return isNumber ? number : std::string(telephone);
 }
+
+}  // namespace phonebook

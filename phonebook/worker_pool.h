@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "phonebook/store.h"
+#include "phonebook/database/store.h"
 
 namespace phonebook {
 
@@ -27,15 +27,15 @@ struct Job {
 
 /// As many threads as connections to the database, and a bounded queue before them. What does not
 /// fit, or takes longer than `kPatience`, waiting included, is given up.
-class Workers {
+class WorkerPool {
  public:
   static constexpr std::chrono::milliseconds kPatience{2500};
   static constexpr std::size_t kLongestQueue = 512;
 
-  Workers(const std::string& database, std::size_t count);
+  WorkerPool(const std::string& database, std::size_t count);
 
   /// Waits for the threads to end.
-  ~Workers();
+  ~WorkerPool();
 
   /// May be called from any thread.
   void Do(Job job);

@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "phonebook/http.h"
+#include "phonebook/http_server.h"
 #include "phonebook/pages.h"
-#include "phonebook/workers.h"
+#include "phonebook/worker_pool.h"
 
 namespace phonebook {
 
@@ -44,7 +44,7 @@ class Server {
 
  private:
   // Who asks, and for what of a maker's pages.
-  struct Visitor {
+  struct ParsedRequest {
     std::optional<Maker> maker;
     std::string base;  // what links begin with
     std::vector<std::string> path;
@@ -52,18 +52,18 @@ class Server {
   };
 
   void Serve(Request request, HTTPServer::Answer answer);
-  Reply Attempt(const Request& request, const std::function<Reply()>& reply) const;
-  Reply Refuse(const Request& request, int status, const std::string& reason,
-               const std::string& cause = "") const;
-  Visitor VisitorOf(const Request& request) const;
-  void Refresh();
+  Response Attempt(const Request& request, const std::function<Response()>& reply) const;
+  Response Refuse(const Request& request, int status, const std::string& reason,
+                  const std::string& cause = "") const;
+  ParsedRequest VisitorOf(const Request& request) const;
+  void IndexPending();
   void MakePreview();
 
   ServerOptions options;
   std::string ownHost;
-  std::map<std::string, Reply> preview;  // by path
+  std::map<std::string, Response> preview;  // by path
   HTTPServer http;
-  Workers workers;
+  WorkerPool workers;
   std::atomic<bool> isRefreshing = false;
 };
 

@@ -1,4 +1,4 @@
-#include "phonebook/names.h"
+#include "phonebook/collation.h"
 
 #include <unicode/coll.h>
 #include <unicode/normalizer2.h>
@@ -11,7 +11,7 @@
 #include <memory>
 #include <stdexcept>
 
-#include "text.h"
+#include "phonebook/text.h"
 
 namespace phonebook {
 
@@ -69,18 +69,18 @@ bool IsInWord(UChar32 character) {
 
 }  // namespace
 
-std::string SortKey(std::string_view name) {
-  return KeyOf(Unicode(FirstCharacters(name, kLongestText)), icu::Collator::TERTIARY);
+std::string CollationKey(std::string_view name) {
+  return KeyOf(Unicode(TruncateToCharacters(name, kMaxKeyCharacters)), icu::Collator::TERTIARY);
 }
 
-std::string BeginningKey(std::string_view text) {
+std::string PrefixKey(std::string_view text) {
   return KeyOf(Unicode(text), icu::Collator::PRIMARY);
 }
 
-std::string EndOf(const std::string& key) { return key + "\U0010FFFF"; }
+std::string EndOfPrefix(const std::string& key) { return key + "\U0010FFFF"; }
 
 std::set<std::string> WordKeys(std::string_view text) {
-  const icu::UnicodeString all = Unicode(FirstCharacters(text, kLongestText));
+  const icu::UnicodeString all = Unicode(TruncateToCharacters(text, kMaxKeyCharacters));
   std::set<std::string> keys;
   for (int32_t begin = 0, end = 0; begin < all.length(); begin = all.moveIndex32(end, 1)) {
     for (end = begin; end < all.length() && IsInWord(all.char32At(end));) {
@@ -94,7 +94,7 @@ std::set<std::string> WordKeys(std::string_view text) {
 }
 
 Letter LetterOf(std::string_view name) {
-  const std::string sortKey = SortKey(name);
+  const std::string sortKey = CollationKey(name);
   UErrorCode error = U_ZERO_ERROR;
   const icu::Normalizer2* const whole = icu::Normalizer2::getNFKCInstance(error);
   const icu::Normalizer2* const plain = icu::Normalizer2::getNFKDInstance(error);
@@ -102,7 +102,8 @@ Letter LetterOf(std::string_view name) {
   // Not always the first one: some characters take no part in the order, and some stand before the
   // one behind which they are sorted.
   constexpr int kFirstOnes = 5;
-  icu::UnicodeString some = whole->normalize(Unicode(FirstCharacters(name, kFirstOnes)), error);
+  icu::UnicodeString some =
+      whole->normalize(Unicode(TruncateToCharacters(name, kFirstOnes)), error);
   Check(error);
   for (; some.length() > 0; some.remove(0, some.moveIndex32(0, 1))) {
     const icu::UnicodeString letter(some.char32At(0));
@@ -110,27 +111,17 @@ Letter LetterOf(std::string_view name) {
     // Some are letters of their own by an accent, as Й is, or by having no dot, as ı is.
     for (const auto& candidate : {plain->normalize(capital, error), capital, letter}) {
       Check(error);
-      std::string label = FirstCharacters(UTF8(candidate), 1);
-      const std::string key = BeginningKey(label);
+      std::string label = TruncateToCharacters(UTF8(candidate), 1);
+      const std::string key = PrefixKey(label);
       if (!IsPlainText(label) || key.empty() || sortKey.compare(0, key.size(), key) != 0) continue;
       for (char latin = 'A'; latin <= 'Z'; ++latin) {  // which Ø and Ł are, too, but for a stroke
-        if (BeginningKey(std::string_view(&latin, 1)) == key) label = {latin};
+        if (PrefixKey(std::string_view(&latin, 1)) == key) label = {latin};
       }
       return {label, key};
     }
   }
   constexpr char kEndOfLetters = '\x01';  // in a key; accents and case follow
   return {"", sortKey.substr(0, std::max<std::size_t>(sortKey.find(kEndOfLetters), 1))};
-}
-
-std::string FirstCharacters(std::string_view text, int count) {
-  text = text.substr(0, 4 * static_cast<std::size_t>(count));  // where it is no UTF-8
-  std::size_t end = 0;
-  for (; end < text.size(); ++end) {
-    const bool isContinued = (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80;
-    if (!isContinued && count-- == 0) break;
-  }
-  return std::string(text.substr(0, end));
 }
 
 }  // namespace phonebook

@@ -1,7 +1,9 @@
-#include "text.h"
+#include <teleform/screens/escape.h>
 
 #include <algorithm>
 #include <charconv>
+
+namespace teleform::screens {
 
 namespace {
 
@@ -57,36 +59,26 @@ bool IsPlain(char character) {
          character != '>' && character != '"';
 }
 
-template <typename Condition>
-bool AreAll(std::string_view text, Condition condition) {
-  while (!text.empty()) {
-    const Character character = FirstOf(text);
-    if (!condition(character)) return false;
-    text.remove_prefix(character.size);
-  }
-  return true;
-}
-
 }  // namespace
 
-std::string Fit(std::string_view text) {
-  std::string fit;
-  fit.reserve(text.size());
+std::string EscapeXML(std::string_view text) {
+  std::string escaped;
+  escaped.reserve(text.size());
   while (!text.empty()) {
     const Character character = FirstOf(text);
     const std::string_view replacement = ReplacementOf(character);
-    fit += replacement.empty() ? text.substr(0, character.size) : replacement;
+    escaped += replacement.empty() ? text.substr(0, character.size) : replacement;
     text.remove_prefix(std::max<std::size_t>(character.size, 1));
     // Most of it is plain, and goes in one piece.
     const auto* const plain = std::find_if_not(text.begin(), text.end(), IsPlain);
     const auto size = static_cast<std::size_t>(plain - text.begin());
-    fit += text.substr(0, size);
+    escaped += text.substr(0, size);
     text.remove_prefix(size);
   }
-  return fit;
+  return escaped;
 }
 
-std::string PercentEncoded(std::string_view text, std::string_view kept) {
+std::string PercentEncode(std::string_view text, std::string_view kept) {
   constexpr std::string_view kUnreserved =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
   constexpr std::string_view kDigits = "0123456789ABCDEF";
@@ -102,7 +94,7 @@ std::string PercentEncoded(std::string_view text, std::string_view kept) {
   return encoded;
 }
 
-std::string PercentDecoded(std::string_view text, bool isQuery) {
+std::string PercentDecode(std::string_view text, bool isQuery) {
   std::string decoded;
   for (std::size_t i = 0; i < text.size(); ++i) {
     unsigned byte = 0;
@@ -115,18 +107,4 @@ std::string PercentDecoded(std::string_view text, bool isQuery) {
   return decoded;
 }
 
-bool IsUTF8(std::string_view text) {
-  return AreAll(text, [](const Character& character) { return character.size > 0; });
-}
-
-bool IsPlainText(std::string_view text) {
-  return AreAll(text, [](const Character& character) {
-    return character.size > 0 && !IsControl(character.code);
-  });
-}
-
-std::size_t CountCharacters(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char character) {
-    return (static_cast<unsigned char>(character) & 0xc0U) != 0x80;
-  }));
-}
+}  // namespace teleform::screens

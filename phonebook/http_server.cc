@@ -1,4 +1,4 @@
-#include "phonebook/http.h"
+#include "phonebook/http_server.h"
 
 #include <algorithm>
 #include <boost/asio/dispatch.hpp>
@@ -48,10 +48,10 @@ class HTTPServer::Implementation {
   void Greet(tcp::socket socket);
   void Check();
   void Leave(const std::shared_ptr<Connection>& connection);
-  void Answer(const std::weak_ptr<Connection>& connection, Reply reply);
+  void Answer(const std::weak_ptr<Connection>& connection, Response reply);
 
   std::mutex mutex;
-  std::vector<std::pair<std::weak_ptr<Connection>, Reply>> answers;
+  std::vector<std::pair<std::weak_ptr<Connection>, Response>> answers;
   Handlers handlers;
   HTTPLimits limits;
   asio::io_context context{1};
@@ -88,7 +88,7 @@ class HTTPServer::Implementation::Connection : public std::enable_shared_from_th
     Parse();
   }
 
-  void Send(Reply reply) {
+  void Send(Response reply) {
     isKept = isKept && !server.isStopping;
     response.emplace(static_cast<http::status>(reply.status), 11);
     response->set(http::field::content_type, reply.type);
@@ -214,7 +214,7 @@ class HTTPServer::Implementation::Connection : public std::enable_shared_from_th
       return;
     }
     due = kNever;
-    auto answer = [weak = weak_from_this(), &server = server](Reply reply) {
+    auto answer = [weak = weak_from_this(), &server = server](Response reply) {
       server.Answer(weak, std::move(reply));
     };
     server.handlers.serve(Described(), std::move(answer));
@@ -312,14 +312,15 @@ void HTTPServer::Implementation::Leave(const std::shared_ptr<Connection>& connec
 }
 
 // Answers come from other threads; those that come together are written in one go.
-void HTTPServer::Implementation::Answer(const std::weak_ptr<Connection>& connection, Reply reply) {
+void HTTPServer::Implementation::Answer(const std::weak_ptr<Connection>& connection,
+                                        Response reply) {
   {
     const std::lock_guard lock(mutex);
     answers.emplace_back(connection, std::move(reply));
     if (answers.size() > 1) return;
   }
   asio::dispatch(context, [this] {
-    std::vector<std::pair<std::weak_ptr<Connection>, Reply>> written;
+    std::vector<std::pair<std::weak_ptr<Connection>, Response>> written;
     {
       const std::lock_guard lock(mutex);
       written.swap(answers);

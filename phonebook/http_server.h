@@ -22,7 +22,7 @@ struct Request {
   std::string address;  ///< Whom it came from.
 };
 
-struct Reply {
+struct Response {
   int status = 200;
   std::string type;
   std::string body;
@@ -45,14 +45,14 @@ class HTTPServer {
  public:
   /// Takes the one reply to a request; it may be called from any thread, also when the connection
   /// has ended, but not after the server was destroyed.
-  using Answer = std::function<void(Reply)>;
+  using Answer = std::function<void(Response)>;
 
   struct Handlers {
     /// A request has arrived. Must not wait.
     std::function<void(Request, Answer)> serve;
     /// A request was refused by this status, because it exceeds a limit or is not HTTP. Gives what
     /// to say before the connection is closed.
-    std::function<Reply(const Request&, int status)> refuse;
+    std::function<Response(const Request&, int status)> refuse;
   };
 
   HTTPServer(Handlers handlers, HTTPLimits limits);

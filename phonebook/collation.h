@@ -9,7 +9,7 @@
 namespace phonebook {
 
 /// As many characters of a text count; databases have no room for keys of any length.
-constexpr int kLongestText = 100;
+constexpr int kMaxKeyCharacters = 100;
 
 /// @name Keys
 /// Keys are text that any database compares byte by byte, and those of texts that differ in case,
@@ -17,13 +17,13 @@ constexpr int kLongestText = 100;
 /// @{
 
 /// By which names are sorted: as readers expect it of names that differ in nothing but such.
-std::string SortKey(std::string_view name);
+std::string CollationKey(std::string_view name);
 
 /// What the sort keys of all names begin with that begin with `text`.
-std::string BeginningKey(std::string_view text);
+std::string PrefixKey(std::string_view text);
 
 /// The first text after all that begin with `key`.
-std::string EndOf(const std::string& key);
+std::string EndOfPrefix(const std::string& key);
 /// @}
 
 /// What the keys of the words of `text` begin with, which are its letters and digits in a row. No
@@ -38,8 +38,5 @@ struct Letter {
 
 /// The letter under which a reader looks for a name.
 Letter LetterOf(std::string_view name);
-
-/// The first `count` characters of `text`.
-std::string FirstCharacters(std::string_view text, int count);
 
 }  // namespace phonebook

@@ -19,10 +19,10 @@
 #include <utility>
 #include <vector>
 
-#include "contacts.h"
 #include "phonebook/assets.h"
+#include "phonebook/contacts.h"
+#include "phonebook/database/store.h"
 #include "phonebook/server.h"
-#include "phonebook/store.h"
 
 namespace {
 
@@ -77,11 +77,11 @@ void Show(std::size_t done, std::size_t all) {
 // @return false when that was stopped.
 bool Prepare(const std::string& database, const std::string& file, Signals& signals) {
   std::istringstream samples(phonebook::kSampleContacts);
-  const auto contacts =
-      file.empty() ? ReadContacts(samples, "the sample contacts") : ReadContacts(file);
+  const auto contacts = file.empty() ? phonebook::ReadContacts(samples, "the sample contacts")
+                                     : phonebook::ReadContacts(file);
   phonebook::Store store(database);
   const auto stopping = signals.StopBy([&] { store.Interrupt(); });
-  return store.Prepare(contacts, [&](std::size_t done, std::size_t all) {
+  return store.CreateOrOpen(contacts, [&](std::size_t done, std::size_t all) {
     Show(done, all);
     return !signals.isStopped;
   });

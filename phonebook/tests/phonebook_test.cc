@@ -8,6 +8,7 @@
 #include <soci/soci.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 #include <sys/wait.h>
+#include <teleform/screens/escape.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -27,8 +28,7 @@
 #include <thread>
 #include <vector>
 
-#include "contacts.h"
-#include "text.h"
+#include "phonebook/contacts.h"
 
 namespace {
 
@@ -530,7 +530,9 @@ TEST_P(PhoneBook, FindsAnybodyByAnyWordsAndListsThemAsReadersExpect) {
                        "日本 太郎"};
   Fill({names.rbegin(), names.rend()});
   const auto find = [&](const std::string& search) {
-    return Parsed(server->Get("/aastra/search?name=" + PercentEncoded(search)).text).Items();
+    return Parsed(
+               server->Get("/aastra/search?name=" + teleform::screens::PercentEncode(search)).text)
+        .Items();
   };
   const Parsed all(server->Get("/snom/directory").text);
   EXPECT_EQ(all.Items(), names);
@@ -883,33 +885,6 @@ TEST_P(PhoneBookOnSQLite, StartsWithWhatItCanUse) {
   ASSERT_TRUE(reader.Listens()) << ContentOf(reader.log);
   EXPECT_EQ(Parsed(reader.Get("/snom/search?name=ben").text).Items(), Texts{"Ben"});
   fs::permissions(directory.path, fs::perms::owner_all | fs::perms::others_exec);
-}
-
-TEST(Text, IsFitForXML) {
-  const std::map<std::string, std::string> expected = {
-      {"", ""},
-      {"plain \t\n", "plain \t\n"},
-      {"<a href=\"x\">&amp;'", "&lt;a href=&quot;x&quot;&gt;&amp;amp;'"},
-      {std::string("\0\x01\x1f\r\x7f\xc2\x80\xc2\x9f", 9), "       "},
-      {"\xc2\xa0\xdf\xbf\xe0\xa0\x80\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbd\xf0\x90\x80\x80\xf4\x8f"
-       "\xbf\xbf",
-       "\xc2\xa0\xdf\xbf\xe0\xa0\x80\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbd\xf0\x90\x80\x80\xf4\x8f"
-       "\xbf\xbf"},
-      {"\xc1\xbf", "\uFFFD\uFFFD"},
-      {"\xe0\x9f\xbf", "\uFFFD\uFFFD\uFFFD"},
-      {"\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD"},
-      {"\xef\xbf\xbf", "\uFFFD\uFFFD\uFFFD"},
-      {"\xf0\x8f\xbf\xbf", "\uFFFD\uFFFD\uFFFD\uFFFD"},
-      {"\xf4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"},
-      {"caf\xe9 \xe2\x82", "caf\uFFFD \uFFFD\uFFFD"},
-  };
-  for (const auto& [text, fit] : expected) {
-    EXPECT_EQ(Fit(text), fit);
-  }
-  EXPECT_EQ(PercentEncoded("aZ0-._~ +&=?/%ä", "+"), "aZ0-._~%20+%26%3D%3F%2F%25%C3%A4");
-  EXPECT_EQ(PercentDecoded("%41+%4%zz%", true), "A %4%zz%");
-  EXPECT_EQ(Dialled("+49 (30) 55-50.1/00*#"), "+49305550100*#");
-  EXPECT_EQ(Dialled("anna.k@example.org"), "anna.k@example.org");
 }
 
 }  // namespace

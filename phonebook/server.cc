@@ -1,5 +1,7 @@
 #include "phonebook/server.h"
 
+#include <teleform/screens/escape.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <exception>
@@ -10,11 +12,15 @@
 #include <utility>
 
 #include "phonebook/assets.h"
-#include "text.h"
+#include "phonebook/text.h"
 
 namespace phonebook {
 
 namespace {
+
+using teleform::screens::AllMakers;
+using teleform::screens::PercentDecode;
+using teleform::screens::PercentEncode;
 
 constexpr const char* kPlainText = "text/plain; charset=utf-8";
 constexpr const char* kUnavailable = "The phone book can't be read now.";
@@ -44,17 +50,18 @@ const StatusFacts& StatusFactsOf(int status) {
   return kStatuses[0];
 }
 
-Reply ReplyOf(int status, const std::string& type, std::string body) {
+Response MakeResponse(int status, const std::string& type, std::string body) {
   return {status,
           type,
           std::move(body),
           {{"Cache-Control", "no-cache"}, {"X-Content-Type-Options", "nosniff"}}};
 }
 
-Reply ReplyOf(int status, IPPhoneXML& document) {
+Response MakeResponse(int status, IPPhoneXML& document) {
   std::string text;
   document.Render(text);
-  Reply reply = ReplyOf(status, document.GetContentType() + "; charset=utf-8", std::move(text));
+  Response reply =
+      MakeResponse(status, document.GetContentType() + "; charset=utf-8", std::move(text));
   if (document.GetContentType() == "text/html") {
     reply.fields.emplace_back("Content-Security-Policy",
                               "default-src 'none'; frame-ancestors 'none'");
@@ -66,9 +73,9 @@ Reply ReplyOf(int status, IPPhoneXML& document) {
 void Log(const Request& request, int status, const std::string& reason) {
   constexpr const char* kReadable = "/ ?=&%:;,()[]'\"@!$*+";
   std::ostringstream line;
-  line << "phonebook: " << status << " " << PercentEncoded(request.method) << " "
-       << PercentEncoded(request.target, kReadable) << " from " << request.address << ": "
-       << PercentEncoded(reason, kReadable) << "\n";
+  line << "phonebook: " << status << " " << PercentEncode(request.method) << " "
+       << PercentEncode(request.target, kReadable) << " from " << request.address << ": "
+       << PercentEncode(reason, kReadable) << "\n";
   std::fputs(line.str().c_str(), stderr);  // which goes on after the disk was full
 }
 
@@ -85,7 +92,7 @@ std::string_view Take(std::string_view& text, char separator) {
 std::string Addresses(const std::string& server) {
   std::string addresses;
   for (const auto& facts : AllMakers()) {
-    addresses += server + "/" + std::string(facts.path) + "/\n";
+    addresses += server + "/" + std::string(facts.slug) + "/\n";
   }
   return addresses;
 }
@@ -102,7 +109,7 @@ Server::Server(const std::string& database, ServerOptions theOptions)
       workers(database, options.connections) {
   MakePreview();
   http.Every(std::chrono::milliseconds(20), [this] { workers.Watch(); });
-  http.Every(std::chrono::milliseconds(300), [this] { Refresh(); });
+  http.Every(std::chrono::milliseconds(300), [this] { IndexPending(); });
 }
 
 std::string Server::Listen() {
@@ -117,7 +124,7 @@ std::string Server::Listen() {
 
 bool Server::Run() {
   constexpr std::chrono::milliseconds kEnd(1500);
-  http.Run(Workers::kPatience + std::chrono::milliseconds(500));
+  http.Run(WorkerPool::kPatience + std::chrono::milliseconds(500));
   return workers.Stop(kEnd);
 }
 
@@ -131,9 +138,9 @@ void Server::Serve(Request request, HTTPServer::Answer answer) {
     answer(asset->second);
     return;
   }
-  const Visitor visitor = VisitorOf(request);
+  const ParsedRequest visitor = VisitorOf(request);
   if (!visitor.maker && IsPage(visitor.path)) {
-    answer(ReplyOf(200, kPlainText, Addresses(visitor.base)));
+    answer(MakeResponse(200, kPlainText, Addresses(visitor.base)));
     return;
   }
   // The page may fail here, or on a worker.
@@ -143,22 +150,22 @@ void Server::Serve(Request request, HTTPServer::Answer answer) {
     std::function<Document(Store&)> question;
   };
   const auto asked = std::make_shared<Asked>(Asked{std::move(request), std::move(answer), nullptr});
-  Reply reply = Attempt(asked->request, [&] {
-    if (!visitor.maker) throw Refusal(404, kNoPage);
-    auto finding = Find({*visitor.maker, visitor.base, visitor.path, visitor.params});
-    if (auto* found = std::get_if<Document>(&finding)) return ReplyOf(200, **found);
+  Response reply = Attempt(asked->request, [&] {
+    if (!visitor.maker) throw HTTPError(404, kNoPage);
+    auto finding = Route({*visitor.maker, visitor.base, visitor.path, visitor.params});
+    if (auto* found = std::get_if<Document>(&finding)) return MakeResponse(200, **found);
     asked->question = std::get<1>(std::move(finding));
-    return Reply{};
+    return Response{};
   });
   if (!asked->question) {
     asked->answer(std::move(reply));
     return;
   }
   workers.Do({[this, asked](Store& store) -> std::function<void()> {
-                Reply found;
+                Response found;
                 std::exception_ptr failure;
                 try {
-                  found = ReplyOf(200, *asked->question(store));
+                  found = MakeResponse(200, *asked->question(store));
                 } catch (...) {
                   failure = std::current_exception();
                 }
@@ -177,70 +184,69 @@ void Server::Serve(Request request, HTTPServer::Answer answer) {
 }
 
 // What `reply` gives, or what to say when it fails.
-Reply Server::Attempt(const Request& request, const std::function<Reply()>& reply) const {
+Response Server::Attempt(const Request& request, const std::function<Response()>& reply) const {
   try {
     return reply();
-  } catch (const Refusal& refusal) {
+  } catch (const HTTPError& refusal) {
     return Refuse(request, refusal.status, refusal.what());
-  } catch (const Unavailable& error) {
+  } catch (const DatabaseUnavailable& error) {
     return Refuse(request, 503, kUnavailable, error.what());
   } catch (const std::exception& error) {
     return Refuse(request, 500, StatusFactsOf(500).reason, error.what());
   }
 }
 
-Reply Server::Refuse(const Request& request, int status, const std::string& reason,
-                     const std::string& cause) const {
+Response Server::Refuse(const Request& request, int status, const std::string& reason,
+                        const std::string& cause) const {
   Log(request, status, cause.empty() ? reason : cause);
-  const Visitor visitor = VisitorOf(request);
-  Reply reply = visitor.maker
-                    ? ReplyOf(status, *Apology(*visitor.maker, visitor.base,
-                                               StatusFactsOf(status).title, reason))
-                    : ReplyOf(status, kPlainText, reason + "\n" + Addresses(visitor.base));
+  const ParsedRequest visitor = VisitorOf(request);
+  Response reply =
+      visitor.maker ? MakeResponse(status, *ComposeErrorPage(*visitor.maker, visitor.base,
+                                                             StatusFactsOf(status).title, reason))
+                    : MakeResponse(status, kPlainText, reason + "\n" + Addresses(visitor.base));
   if (status == 405) reply.fields.emplace_back("Allow", "GET, HEAD");
   if (status == 503) reply.fields.emplace_back("Retry-After", "5");
   return reply;
 }
 
-Server::Visitor Server::VisitorOf(const Request& request) const {
-  Visitor visitor;
+Server::ParsedRequest Server::VisitorOf(const Request& request) const {
+  ParsedRequest visitor;
   visitor.base = options.baseURL;
   if (visitor.base.empty()) {
-    const bool isHost =
-        !request.host.empty() && PercentEncoded(request.host, ":[]") == request.host;
+    const bool isHost = !request.host.empty() && PercentEncode(request.host, ":[]") == request.host;
     visitor.base = "http://" + (isHost ? request.host : ownHost);
   }
   std::string_view query = request.target;
   for (std::string_view path = Take(query, '?'); !path.empty();) {
     const auto segment = Take(path, '/');
-    if (!segment.empty()) visitor.path.push_back(PercentDecoded(segment, false));
+    if (!segment.empty()) visitor.path.push_back(PercentDecode(segment, false));
   }
   while (!query.empty()) {
     std::string_view value = Take(query, '&');
     const auto name = Take(value, '=');
-    visitor.params.emplace(PercentDecoded(name, true), PercentDecoded(value, true));
+    visitor.params.emplace(PercentDecode(name, true), PercentDecode(value, true));
   }
-  if (!visitor.path.empty()) visitor.maker = MakerByPath(visitor.path.front());
+  if (!visitor.path.empty()) visitor.maker = teleform::screens::MakerOfSlug(visitor.path.front());
   if (visitor.maker) {
     visitor.path.erase(visitor.path.begin());
   } else {
-    visitor.maker = MakerByUserAgent(request.userAgent);
+    visitor.maker = teleform::screens::MakerOfUserAgent(request.userAgent);
   }
   return visitor;
 }
 
 // Lets a worker sort in what other programs have written, again at once while there is more.
-void Server::Refresh() {
+void Server::IndexPending() {
   if (isRefreshing.exchange(true)) return;
   workers.Do({[this](Store& store) -> std::function<void()> {
                 bool hasMore = false;
                 try {
-                  hasMore = store.Refresh();
+                  hasMore = store.IndexPending();
                 } catch (const std::exception&) {  // phones are told, and may read what is there
                 }
                 return [this, hasMore] {
                   isRefreshing = false;
-                  if (hasMore) Refresh();
+                  if (hasMore) IndexPending();
                 };
               },
               [this] { isRefreshing = false; }});
@@ -248,7 +254,7 @@ void Server::Refresh() {
 
 void Server::MakePreview() {
   const auto add = [this](const char* path, const std::string& content, const char* type) {
-    Reply reply = ReplyOf(200, type, content);
+    Response reply = MakeResponse(200, type, content);
     reply.fields.emplace_back(
         "Content-Security-Policy",
         "default-src 'self'; img-src data:; base-uri 'none'; frame-ancestors 'none'");
@@ -261,9 +267,9 @@ void Server::MakePreview() {
   nlohmann::json choices = {{"makers", nlohmann::json::array()},
                             {"pages", nlohmann::json::array()}};
   for (const auto& facts : AllMakers()) {
-    choices["makers"].push_back({{"name", facts.name}, {"path", facts.path}});
+    choices["makers"].push_back({{"name", facts.name}, {"path", facts.slug}});
   }
-  for (const auto& page : PageNames()) {
+  for (const auto& page : AllPages()) {
     choices["pages"].push_back({{"title", page.title}, {"path", page.path}});
   }
   add("/preview/choices.json", choices.dump(), "application/json");

@@ -1,4 +1,4 @@
-#include "phonebook/store.h"
+#include "phonebook/database/store.h"
 
 #include <fcntl.h>
 #include <libpq-fe.h>
@@ -7,6 +7,7 @@
 #include <soci/sqlite3/soci-sqlite3.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <teleform/screens/escape.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,7 +21,7 @@
 #include <string_view>
 #include <utility>
 
-#include "text.h"
+#include "phonebook/text.h"
 
 namespace phonebook {
 
@@ -171,17 +172,18 @@ class Select {
 
   // The contacts beyond `cursor` that have these words, one of which, or the sort key, begins with
   // `beginning`.
-  std::vector<Listed> Run(const std::string& beginning, const std::vector<std::string>& theWords,
-                          const Cursor& cursor, std::size_t size) {
+  std::vector<ListedContact> Run(const std::string& beginning,
+                                 const std::vector<std::string>& theWords, const Cursor& cursor,
+                                 std::size_t size) {
     from = beginning;
-    to = EndOf(beginning);
-    sortKey = cursor.sortKey;
+    to = EndOfPrefix(beginning);
+    sortKey = cursor.collationKey;
     id = cursor.id;
     for (std::size_t i = 0; i < words.size(); ++i) {
       words[i] = i < theWords.size() ? kWordMark + theWords[i] : "";
     }
     limit = static_cast<int>(size);
-    std::vector<Listed> rows;
+    std::vector<ListedContact> rows;
     statement.execute();
     constexpr std::size_t kPage = 32;
     rows.reserve(std::min(size, kPage));
@@ -191,9 +193,9 @@ class Select {
 
  private:
   soci::statement statement;
-  Listed row;
+  ListedContact row;
   std::string from, to, sortKey;
-  std::array<std::string, Selection::kMostWords> words;
+  std::array<std::string, Selection::kMaxWords> words;
   long long id = 0;
   int limit = 0;
 };
@@ -227,13 +229,13 @@ class Lookup {
 };
 
 // Two lists in the order of the names, or the other way round, as one.
-std::vector<Listed> Merged(const std::vector<Listed>& some, const std::vector<Listed>& others,
-                           bool isForward) {
-  std::map<std::pair<std::string, long long>, const Listed*> merged;
+std::vector<ListedContact> Merged(const std::vector<ListedContact>& some,
+                                  const std::vector<ListedContact>& others, bool isForward) {
+  std::map<std::pair<std::string, long long>, const ListedContact*> merged;
   for (const auto* list : {&some, &others}) {
-    for (const auto& row : *list) merged[{SortKey(row.name), row.id}] = &row;
+    for (const auto& row : *list) merged[{CollationKey(row.name), row.id}] = &row;
   }
-  std::vector<Listed> rows;
+  std::vector<ListedContact> rows;
   rows.reserve(merged.size());
   for (const auto& [place, row] : merged) rows.push_back(*row);
   if (!isForward) std::reverse(rows.begin(), rows.end());
@@ -245,7 +247,7 @@ enum Way { kAll, kRange, kGlanced, kOthers, kCount };
 // The question for what `way` says of a selection.
 std::string QuestionFor(Way way, bool isForward, const Dialect& dialect) {
   std::string hasWords;
-  for (std::size_t i = 0; i < Selection::kMostWords; ++i) {
+  for (std::size_t i = 0; i < Selection::kMaxWords; ++i) {
     hasWords += std::string(" AND ") + dialect.has + "(words, :word" + std::to_string(i) + ") > 0";
   }
   const std::string select = "SELECT id, name, telephone FROM ";
@@ -348,7 +350,7 @@ std::string WithTimeouts(const std::string& uri) {
 // Whether there was none.
 bool MakeFile(const std::string& path) {
   const int made = open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
-  if (made == -1 && errno != EEXIST) throw Unavailable(path + ": " + std::strerror(errno));
+  if (made == -1 && errno != EEXIST) throw DatabaseUnavailable(path + ": " + std::strerror(errno));
   if (made != -1) close(made);
   return made != -1;
 }
@@ -428,7 +430,7 @@ class Sorter {
   void SortIn(const Pending& changed) {
     row = changed;
     DoForWords(dropWord);
-    row.sortKey = SortKey(row.name);
+    row.sortKey = CollationKey(row.name);
     row.words = WordsOf(row.name, row.department);
     update.execute(true);
     DoForWords(addWord);
@@ -474,14 +476,14 @@ class Store::Connection {
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
-  std::vector<Listed> Run(Way way, const std::string& beginning,
-                          const std::vector<std::string>& words, const Cursor& cursor,
-                          std::size_t size) {
+  std::vector<ListedContact> Run(Way way, const std::string& beginning,
+                                 const std::vector<std::string>& words, const Cursor& cursor,
+                                 std::size_t size) {
     // The beginning of a range or the cursor, whichever is further: an index can begin with one.
     Cursor place = cursor;
     if (way == kAll || way == kRange) {
-      const std::string bound = cursor.isForward ? beginning : EndOf(beginning);
-      if ((bound > cursor.sortKey) == cursor.isForward)
+      const std::string bound = cursor.isForward ? beginning : EndOfPrefix(beginning);
+      if ((bound > cursor.collationKey) == cursor.isForward)
         place = {cursor.isForward, bound, kBeforeAll};
     }
     auto& select = selects[way][cursor.isForward ? 1 : 0];
@@ -503,7 +505,7 @@ class Store::Connection {
     return *byRarity.rbegin()->second;
   }
 
-  bool Prepare(const std::vector<Contact>& contacts, const Progress& progress);
+  bool Prepare(const std::vector<Contact>& contacts, const ImportProgress& progress);
 
   void Interrupt() {
     if (wire != -1) {
@@ -541,7 +543,8 @@ class Store::Connection {
 
 void Store::Connection::OpenFile(const std::string& path) {
   // A name that SQLite and SOCI read nothing into.
-  const std::string uri = "file:" + PercentEncoded(std::filesystem::absolute(path).string(), "/");
+  const std::string uri =
+      "file:" + teleform::screens::PercentEncode(std::filesystem::absolute(path).string(), "/");
   const auto open = [&](const std::string& name) {
     session.open(soci::sqlite3, "dbname=\"" + name + "\" timeout=2");
     session << "SELECT count(*) FROM sqlite_master";
@@ -556,7 +559,8 @@ void Store::Connection::OpenFile(const std::string& path) {
   }
 }
 
-bool Store::Connection::Prepare(const std::vector<Contact>& contacts, const Progress& progress) {
+bool Store::Connection::Prepare(const std::vector<Contact>& contacts,
+                                const ImportProgress& progress) {
   if (CountTables() > 0) {
     CheckTables();
     return true;
@@ -626,7 +630,8 @@ void Store::Connection::FillTables(const std::vector<Contact>& contacts, const G
   std::vector<Row> rows;
   rows.reserve(contacts.size());
   for (const auto& contact : contacts) {
-    rows.push_back({&contact, SortKey(contact.name), WordsOf(contact.name, contact.department)});
+    rows.push_back(
+        {&contact, CollationKey(contact.name), WordsOf(contact.name, contact.department)});
     step();
   }
   std::stable_sort(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
@@ -701,7 +706,7 @@ Answer Store::Ask(const std::function<Answer(Connection&)>& question) {
     return question(*connection);
   } catch (const soci::soci_error& error) {
     Disconnect();
-    throw Unavailable(error.get_error_message());
+    throw DatabaseUnavailable(error.get_error_message());
   } catch (...) {  // which may have left a transaction open
     Disconnect();
     throw;
@@ -713,7 +718,7 @@ void Store::Disconnect() {
   connection = nullptr;
 }
 
-bool Store::Prepare(const std::vector<Contact>& contacts, const Progress& progress) {
+bool Store::CreateOrOpen(const std::vector<Contact>& contacts, const ImportProgress& progress) {
   const bool isNewFile = !isPostgreSQL && MakeFile(database);
   bool isDone = false;
   std::exception_ptr failure;
@@ -727,11 +732,12 @@ bool Store::Prepare(const std::vector<Contact>& contacts, const Progress& progre
   return isDone;
 }
 
-Page Store::List(const Selection& selection, const Cursor& cursor, std::size_t size) {
+ContactPage Store::ListContacts(const Selection& selection, const Cursor& cursor,
+                                std::size_t size) {
   const std::size_t oneMore = size + 1;  // which tells whether there are others beyond
-  auto rows = Ask<std::vector<Listed>>([&](Connection& asked) {
+  auto rows = Ask<std::vector<ListedContact>>([&](Connection& asked) {
     const auto& words = selection.words;
-    if (words.empty()) return asked.Run(kAll, selection.beginning, words, cursor, oneMore);
+    if (words.empty()) return asked.Run(kAll, selection.prefix, words, cursor, oneMore);
     auto found = asked.Run(kGlanced, "", words, cursor, oneMore);
     if (found.size() == oneMore) return found;
     const std::string& rarest = asked.RarestOf(words);
@@ -740,35 +746,35 @@ Page Store::List(const Selection& selection, const Cursor& cursor, std::size_t s
   });
   const bool hasMore = rows.size() > size;
   if (hasMore) rows.resize(size);
-  if (cursor.isForward) return {std::move(rows), !cursor.sortKey.empty(), hasMore};
-  if (!hasMore) return List(selection, {}, size);  // the first page, and full
+  if (cursor.isForward) return {std::move(rows), !cursor.collationKey.empty(), hasMore};
+  if (!hasMore) return ListContacts(selection, {}, size);  // the first page, and full
   std::reverse(rows.begin(), rows.end());
   return {std::move(rows), true, true};
 }
 
-Letters Store::ListLetters(const Cursor& cursor, std::size_t size) {
-  return Ask<Letters>([&](Connection& asked) {
-    Letters found;
-    found.hasBefore = !cursor.sortKey.empty();
-    for (std::string key = cursor.sortKey;;) {
+LetterPage Store::ListLetters(const Cursor& cursor, std::size_t size) {
+  return Ask<LetterPage>([&](Connection& asked) {
+    LetterPage found;
+    found.hasPrevious = !cursor.collationKey.empty();
+    for (std::string key = cursor.collationKey;;) {
       // A step through the index: the first name at or beyond the last letter.
       const auto names = asked.Run(kAll, "", {}, {cursor.isForward, key, 0}, 1);
       if (names.empty()) break;
-      found.hasAfter = found.letters.size() == size;
-      if (found.hasAfter) break;
+      found.hasNext = found.letters.size() == size;
+      if (found.hasNext) break;
       Letter letter = LetterOf(names.front().name);
-      key = cursor.isForward ? EndOf(letter.key) : letter.key;
+      key = cursor.isForward ? EndOfPrefix(letter.key) : letter.key;
       if (!letter.label.empty()) found.letters.push_back(std::move(letter));
     }
     if (!cursor.isForward) {
       std::reverse(found.letters.begin(), found.letters.end());
-      std::swap(found.hasBefore, found.hasAfter);
+      std::swap(found.hasPrevious, found.hasNext);
     }
     return found;
   });
 }
 
-std::optional<Contact> Store::Find(long long id) {
+std::optional<Contact> Store::FindContact(long long id) {
   return Ask<std::optional<Contact>>([&](Connection& asked) -> std::optional<Contact> {
     auto& find = asked.find;
     if (!find) {
@@ -780,7 +786,7 @@ std::optional<Contact> Store::Find(long long id) {
   });
 }
 
-std::string Store::Notice(const std::string& name) {
+std::string Store::FindNotice(const std::string& name) {
   return Ask<std::string>([&](Connection& asked) -> std::string {
     auto& notice = asked.notice;
     if (!notice) notice.emplace(asked.session, "SELECT text FROM notices WHERE name = :name");
@@ -789,7 +795,7 @@ std::string Store::Notice(const std::string& name) {
   });
 }
 
-bool Store::Refresh() {
+bool Store::IndexPending() {
   using Clock = std::chrono::steady_clock;
   constexpr std::chrono::seconds kLongest(1);  // however far away the database is
   return Ask<bool>([&](Connection& asked) {
@@ -850,7 +856,7 @@ std::string Store::Identity() const {
   if (isPostgreSQL) return database;
   struct stat status {};
   if (stat(database.c_str(), &status) != 0) {
-    throw Unavailable(database + ": " + std::strerror(errno));
+    throw DatabaseUnavailable(database + ": " + std::strerror(errno));
   }
   std::string identity = std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
   // SQLite doesn't look for changes in a file that it can't write.

@@ -1,22 +1,22 @@
-#include "phonebook/workers.h"
+#include "phonebook/worker_pool.h"
 
 #include <utility>
 
 namespace phonebook {
 
-Workers::Workers(const std::string& database, std::size_t count) : running(count) {
+WorkerPool::WorkerPool(const std::string& database, std::size_t count) : running(count) {
   for (std::size_t i = 0; i < count; ++i) workers.emplace_back(database);
   for (auto& worker : workers) {
     worker.thread = std::thread([this, &worker] { Work(worker); });
   }
 }
 
-Workers::~Workers() {
+WorkerPool::~WorkerPool() {
   Stop({});
   for (auto& worker : workers) worker.thread.join();
 }
 
-void Workers::Do(Job job) {
+void WorkerPool::Do(Job job) {
   {
     const std::lock_guard lock(mutex);
     if (queue.size() < kLongestQueue && !isStopping) {
@@ -28,13 +28,13 @@ void Workers::Do(Job job) {
   job.giveUp();
 }
 
-void Workers::Watch() {
+void WorkerPool::Watch() {
   GiveUp(Clock::now());
   const std::lock_guard lock(mutex);
   WakeSomebody();
 }
 
-bool Workers::Stop(std::chrono::milliseconds patience) {
+bool WorkerPool::Stop(std::chrono::milliseconds patience) {
   constexpr std::chrono::milliseconds kGlance(50);
   const auto end = Clock::now() + patience;
   std::unique_lock lock(mutex);
@@ -49,7 +49,7 @@ bool Workers::Stop(std::chrono::milliseconds patience) {
   return running == 0;
 }
 
-void Workers::Work(Worker& worker) {
+void WorkerPool::Work(Worker& worker) {
   std::function<void()> answer;
   for (std::unique_lock lock(mutex);; lock.lock()) {
     auto task = std::exchange(worker.task, nullptr);
@@ -77,7 +77,7 @@ void Workers::Work(Worker& worker) {
 
 // Where jobs take some microseconds, more than one worker spends more time on taking turns than on
 // them: others are woken only if those who are awake won't come to the last job soon.
-void Workers::WakeSomebody() {
+void WorkerPool::WakeSomebody() {
   constexpr std::chrono::milliseconds kSoon(1);
   const auto now = Clock::now();
   Worker* sleeper = nullptr;
@@ -95,7 +95,7 @@ void Workers::WakeSomebody() {
   sleeper->wake.notify_one();
 }
 
-void Workers::GiveUp(Clock::time_point dueBefore) {
+void WorkerPool::GiveUp(Clock::time_point dueBefore) {
   std::vector<std::shared_ptr<Task>> late;
   {
     const std::lock_guard lock(mutex);

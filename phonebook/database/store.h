@@ -1,0 +1,124 @@
+/// @file
+/// The contacts and notices in their database.
+///
+/// Terms: a *collation key* is a text whose byte order is the order of the names; a *word key* is
+/// that of one word of a name or department, without accents and case. *Indexing* a contact means
+/// to store its keys.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "phonebook/collation.h"
+#include "phonebook/contacts.h"
+
+namespace phonebook {
+
+/// What a page lists of a contact.
+struct ListedContact {
+  long long id = 0;
+  std::string name;
+  std::string telephone;
+};
+
+/// A condition on contacts; empty fields match everybody.
+struct Selection {
+  std::string prefix;              ///< A prefix of their collation keys.
+  std::vector<std::string> words;  ///< Word keys, each a prefix of one of theirs.
+  static constexpr std::size_t kMaxWords = 6;
+};
+
+/// A position between contacts, and the direction in which a page lies from there. It stays valid
+/// while contacts come and go.
+struct Cursor {
+  bool isForward = true;
+  std::string collationKey{};
+  long long id = 0;
+};
+
+/// A page of contacts, and whether there are pages before and after it.
+struct ContactPage {
+  std::vector<ListedContact> contacts;
+  bool hasPrevious = false;
+  bool hasNext = false;
+};
+
+/// A page of the letters with which names begin, and whether there are pages before and after it.
+struct LetterPage {
+  std::vector<Letter> letters;
+  bool hasPrevious = false;
+  bool hasNext = false;
+};
+
+/// The database doesn't answer; the message is for the log.
+class DatabaseUnavailable : public std::runtime_error {
+ public:
+  using runtime_error::runtime_error;
+};
+
+/// Reports progress of an import: how many of `total` steps are done. Returning false stops it.
+using ImportProgress = std::function<bool(std::size_t done, std::size_t total)>;
+
+/// A connection to a phone book in SQLite or PostgreSQL, opened by the first query and again after
+/// it was lost. Any number of stores and of programs that write contacts by SQL can share a
+/// database. A store must not be used by two threads at once, except for `Interrupt`. Every
+/// function throws `DatabaseUnavailable` when a query fails.
+class Store {
+ public:
+  /// Opens nothing yet.
+  /// @param database the path of an SQLite file, or a URI that begins with "postgresql://" or
+  /// "postgres://".
+  explicit Store(std::string database);
+  ~Store();
+
+  /// Opens the database. A new one is created and filled with `contacts` and sample notices; one of
+  /// an earlier version is upgraded. Any number of processes may do so at the same time. A failed
+  /// or stopped call leaves the database as it was.
+  /// @throws std::runtime_error when the database has other tables or a newer version.
+  /// @return false when `progress` stopped it.
+  bool CreateOrOpen(const std::vector<Contact>& contacts, const ImportProgress& progress);
+
+  /// Up to `size` contacts of `selection` beyond `cursor`, in the order of their names.
+  ContactPage ListContacts(const Selection& selection, const Cursor& cursor, std::size_t size);
+
+  /// Up to `size` letters beyond `cursor`.
+  LetterPage ListLetters(const Cursor& cursor, std::size_t size);
+
+  /// The contact of that id, if there is one.
+  std::optional<Contact> FindContact(long long id);
+
+  /// The text of the notice `name`; empty if there is none.
+  std::string FindNotice(const std::string& name);
+
+  /// Indexes some of the contacts that other programs have written.
+  /// @return whether more of them are pending.
+  bool IndexPending();
+
+  /// Makes the query of another thread fail. Callable from any thread; never waits.
+  void Interrupt() noexcept;
+
+ private:
+  class Connection;
+
+  template <typename Answer>
+  Answer Ask(const std::function<Answer(Connection&)>& question);
+  void Connect();
+  void Disconnect();
+  bool IsConnected();
+  std::string Identity() const;
+
+  std::string database;
+  bool isPostgreSQL;
+  std::mutex mutex;  // held while the connection is made or ended
+  std::unique_ptr<Connection> connection;
+  std::atomic<bool> isInterrupted = false;
+};
+
+}  // namespace phonebook

@@ -1,0 +1,328 @@
+#include "phonebook/pages.h"
+
+#include <teleform/screens/escape.h>
+
+#include <algorithm>
+#include <optional>
+#include <sstream>
+#include <utility>
+
+#include "phonebook/collation.h"
+#include "phonebook/text.h"
+
+namespace phonebook {
+
+namespace {
+
+using teleform::screens::FactsOf;
+using teleform::screens::Item;
+using teleform::screens::List;
+using teleform::screens::Menu;
+using teleform::screens::PercentEncode;
+using teleform::screens::Person;
+using teleform::screens::SoftKey;
+using teleform::screens::SoftKeyRole;
+using teleform::screens::Text;
+
+constexpr std::size_t kMaxSearchCharacters = 64;
+constexpr const char* kEmptyTitle = "Nobody is in the phone book";
+
+std::string PageURI(const PageRequest& request, const std::string& page) {
+  return HomeURI(request.base, request.maker) + page;
+}
+
+std::string PageURI(const PageRequest& request, const std::string& page, long long id) {
+  return PageURI(request, page + "/" + std::to_string(id));
+}
+
+SoftKey HomeKey(const PageRequest& request) {
+  return {SoftKeyRole::kHome, HomeURI(request.base, request.maker)};
+}
+
+std::string ParamOf(const PageRequest& request, const std::string& name) {
+  const auto found = request.params.find(name);
+  return found == request.params.end() ? "" : found->second;
+}
+
+std::optional<long long> ParseId(const std::string& text) {
+  const bool isId =
+      !text.empty() && text.size() <= 18 && text.find_first_not_of("0123456789") == text.npos;
+  return isId ? std::optional(std::stoll(text)) : std::nullopt;
+}
+
+std::size_t PageSizeOf(const PageRequest& request) {
+  return static_cast<std::size_t>(FactsOf(request.maker).pageSize);
+}
+
+// The parameter of a request that tells where its page lies: "after" or "before" a contact or a
+// letter.
+struct PageParam {
+  bool isAfter;
+  std::string position;
+};
+std::optional<PageParam> PageParamOf(const PageRequest& request) {
+  if (request.params.count("after") > 0) return PageParam{true, ParamOf(request, "after")};
+  if (request.params.count("before") > 0) return PageParam{false, ParamOf(request, "before")};
+  return std::nullopt;
+}
+
+// The position of a contact: its id and as much of its name as its collation key covers.
+std::string PositionOf(const ListedContact& contact) {
+  return std::to_string(contact.id) + "-" + TruncateToCharacters(contact.name, kMaxKeyCharacters);
+}
+
+Cursor CursorOf(const PageRequest& request) {
+  const auto param = PageParamOf(request);
+  if (!param) return {};
+  const auto dash = std::min(param->position.find('-'), param->position.size());
+  const auto id = ParseId(param->position.substr(0, dash));
+  if (!id || dash + 1 >= param->position.size()) {
+    throw HTTPError(400, "A page begins after or before a contact.");
+  }
+  return {param->isAfter, CollationKey(param->position.substr(dash + 1)), *id};
+}
+
+// Links a page of a list to those before and after it; `uri` leads to the first page.
+template <typename Screen>
+void LinkPages(Screen& screen, const std::string& uri, const std::string& first,
+               const std::string& last, bool hasPrevious, bool hasNext) {
+  const std::string prefix = uri + (uri.find('?') == uri.npos ? "?" : "&");
+  if (hasPrevious) screen.previous = prefix + "before=" + PercentEncode(first);
+  if (hasNext) screen.next = prefix + "after=" + PercentEncode(last);
+}
+
+// The first page may be empty, the others not.
+void ExpectContent(const PageRequest& request, bool hasContent) {
+  if (!hasContent && PageParamOf(request)) {
+    throw HTTPError(404, "There is no page beyond the last one.");
+  }
+}
+
+// Titles and links a page of contacts; `uri` leads to its first page.
+template <typename Screen>
+void FrameContacts(Screen& screen, const PageRequest& request, const ContactPage& page,
+                   const std::string& uri) {
+  ExpectContent(request, !page.contacts.empty());
+  if (page.contacts.empty()) return;
+  const auto& first = page.contacts.front();
+  if (page.hasPrevious) screen.title += ", from " + first.name;
+  LinkPages(screen, uri, PositionOf(first), PositionOf(page.contacts.back()), page.hasPrevious,
+            page.hasNext);
+}
+
+PageResult Home(const PageRequest& request) {
+  return ComposeMenu(request.maker, {"Phone book",
+                                     {{"Directory", PageURI(request, "directory")},
+                                      {"Search", PageURI(request, "search")},
+                                      {"Message of the day", PageURI(request, "message")},
+                                      {"Alert", PageURI(request, "status")}},
+                                     {{SoftKeyRole::kSelect}, {SoftKeyRole::kExit}}});
+}
+
+PageResult Directory(const PageRequest& request) {
+  return [request, cursor = CursorOf(request)](Store& store) {
+    ContactPage page = store.ListContacts({}, cursor, PageSizeOf(request));
+    List list{page.contacts.empty() ? kEmptyTitle : "Directory",
+              {},
+              {HomeKey(request),
+               {SoftKeyRole::kDial},
+               {SoftKeyRole::kSearch, PageURI(request, "search")}}};
+    FrameContacts(list, request, page, PageURI(request, "directory"));
+    list.people.reserve(page.contacts.size());
+    for (auto& contact : page.contacts) {
+      std::string dialed = DialString(contact.telephone);
+      list.people.push_back(
+          {std::move(contact.name), std::move(dialed), std::move(contact.telephone)});
+    }
+    return ComposeList(request.maker, list);
+  };
+}
+
+// A menu of the contacts of a selection, each of which leads to its page. `uri` leads to the first
+// page of the menu.
+PageResult Contacts(const PageRequest& request, const std::string& title, const std::string& uri,
+                    const Selection& selection) {
+  return [request, title, uri, selection, cursor = CursorOf(request)](Store& store) {
+    ContactPage page = store.ListContacts(selection, cursor, PageSizeOf(request));
+    Menu menu{title, {}, {HomeKey(request), {SoftKeyRole::kSelect}}};
+    FrameContacts(menu, request, page, uri);
+    menu.items.reserve(page.contacts.size());
+    for (auto& contact : page.contacts) {
+      menu.items.push_back({std::move(contact.name), PageURI(request, "contact", contact.id)});
+    }
+    if (menu.items.empty()) {
+      menu.items.push_back({"Nobody found. Search again?", PageURI(request, "search")});
+    }
+    return ComposeMenu(request.maker, menu);
+  };
+}
+
+// A menu of letters, for phones without forms.
+PageResult Letters(const PageRequest& request) {
+  Cursor cursor;
+  if (const auto param = PageParamOf(request)) {
+    const std::string key = PrefixKey(param->position);
+    cursor = {param->isAfter, param->isAfter ? EndOfPrefix(key) : key, 0};
+  }
+  return [request, cursor](Store& store) {
+    const std::string uri = PageURI(request, "search");
+    const auto [letters, hasPrevious, hasNext] = store.ListLetters(cursor, PageSizeOf(request));
+    ExpectContent(request, !letters.empty());
+    Menu menu{
+        letters.empty() ? kEmptyTitle : "Search", {}, {HomeKey(request), {SoftKeyRole::kSelect}}};
+    for (const auto& letter : letters) {
+      menu.items.push_back({letter.label, uri + "?letter=" + PercentEncode(letter.label)});
+    }
+    if (!letters.empty()) {
+      LinkPages(menu, uri, letters.front().label, letters.back().label, hasPrevious, hasNext);
+    }
+    return ComposeMenu(request.maker, menu);
+  };
+}
+
+PageResult SearchForm(const PageRequest& request) {
+  auto form = ComposeForm(request.maker, {"Search",
+                                          "The beginnings of some words are enough.",
+                                          "Name or department:",
+                                          PageURI(request, "search"),
+                                          "name",
+                                          {{SoftKeyRole::kSubmit}, HomeKey(request)}});
+  return form != nullptr ? PageResult(std::move(form)) : Letters(request);
+}
+
+PageResult Search(const PageRequest& request) {
+  const std::string name = ParamOf(request, "name");
+  const std::string letter = ParamOf(request, "letter");
+  const std::string uri = PageURI(request, "search");
+  if (!IsPlainText(name) || !IsPlainText(letter)) {
+    throw HTTPError(400, "The search is no text in UTF-8.");
+  }
+  if (CountCharacters(name) > kMaxSearchCharacters ||
+      CountCharacters(letter) > kMaxSearchCharacters) {
+    throw HTTPError(400, "A search has 64 characters at most.");
+  }
+  if (!letter.empty()) {
+    return Contacts(request, "Search: " + letter, uri + "?letter=" + PercentEncode(letter),
+                    {PrefixKey(letter), {}});
+  }
+  if (name.empty()) return SearchForm(request);
+  const auto words = WordKeys(name);
+  if (words.size() > Selection::kMaxWords) {
+    throw HTTPError(400, "A search has six words at most.");
+  }
+  Selection selection{"", {words.begin(), words.end()}};
+  if (words.empty()) selection.prefix = EndOfPrefix("");  // punctuation alone matches nobody
+  return Contacts(request, "Search: " + name, uri + "?name=" + PercentEncode(name), selection);
+}
+
+// A page of the contact whose id is the last segment of the path.
+PageResult ContactPageOf(const PageRequest& request,
+                         Document (*compose)(const PageRequest&, long long id, const Contact&)) {
+  constexpr const char* kNotFound = "This contact is not in the phone book.";
+  const auto id = request.path.size() == 2 ? ParseId(request.path[1]) : std::nullopt;
+  if (!id) throw HTTPError(404, kNotFound);
+  return [request, id = *id, compose](Store& store) {
+    const auto contact = store.FindContact(id);
+    if (!contact) throw HTTPError(404, kNotFound);
+    return compose(request, id, *contact);
+  };
+}
+
+Document ComposeCard(const PageRequest& request, long long id, const Contact& contact) {
+  return ComposeText(
+      request.maker,
+      {contact.name,
+       {contact.telephone, contact.department.empty() ? "No department" : contact.department},
+       DialString(contact.telephone),
+       {{SoftKeyRole::kDial, PageURI(request, "dial", id)}, HomeKey(request)}});
+}
+
+Document ComposeDial(const PageRequest& request, long long /*id*/, const Contact& contact) {
+  return ComposeCall(
+      request.maker,
+      {{contact.name, DialString(contact.telephone), contact.telephone}, {HomeKey(request)}});
+}
+
+PageResult Card(const PageRequest& request) { return ContactPageOf(request, ComposeCard); }
+
+PageResult Dial(const PageRequest& request) { return ContactPageOf(request, ComposeDial); }
+
+std::vector<std::string> LinesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+Text NoticeText(const PageRequest& request, const std::string& title,
+                std::vector<std::string> lines) {
+  if (lines.empty()) lines.emplace_back("Nothing today.");
+  return {title, std::move(lines), HomeURI(request.base, request.maker), {HomeKey(request)}};
+}
+
+PageResult Message(const PageRequest& request) {
+  return [request](Store& store) {
+    auto lines = LinesOf(store.FindNotice("message"));
+    return ComposeText(request.maker, NoticeText(request, "Message of the day", std::move(lines)));
+  };
+}
+
+PageResult Alert(const PageRequest& request) {
+  return [request](Store& store) {
+    auto lines = LinesOf(store.FindNotice("alert"));
+    const bool isUrgent = !lines.empty();
+    return ComposeAlert(request.maker,
+                        {NoticeText(request, "Alert", std::move(lines)), isUrgent, "phonebook"});
+  };
+}
+
+struct PageFacts {
+  const char* path;
+  const char* title;
+  bool takesContact;  // whose id follows the path
+  PageResult (*make)(const PageRequest&);
+};
+constexpr PageFacts kPages[] = {
+    {"", "Home", false, Home},           {"directory", "Directory", false, Directory},
+    {"search", "Search", false, Search}, {"contact", "Contact", true, Card},
+    {"dial", "Dial", true, Dial},        {"message", "Message", false, Message},
+    {"status", "Alert", false, Alert},
+};
+
+const PageFacts* FindPage(const std::vector<std::string>& path) {
+  for (const auto& page : kPages) {
+    const bool isNamed = path.empty() ? *page.path == '\0' : path.front() == page.path;
+    if (isNamed && path.size() <= (page.takesContact ? 2 : 1)) return &page;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::vector<PageLink> AllPages() {
+  std::vector<PageLink> pages;
+  for (const auto& page : kPages) {
+    pages.push_back({page.title, std::string(page.path) + (page.takesContact ? "/1" : "")});
+  }
+  return pages;
+}
+
+bool IsPage(const std::vector<std::string>& path) { return FindPage(path) != nullptr; }
+
+std::string HomeURI(const std::string& base, Maker maker) {
+  return base + "/" + std::string(FactsOf(maker).slug) + "/";
+}
+
+PageResult Route(const PageRequest& request) {
+  const PageFacts* page = FindPage(request.path);
+  if (page == nullptr) throw HTTPError(404, kNoPage);
+  return page->make(request);
+}
+
+Document ComposeErrorPage(Maker maker, const std::string& base, const std::string& title,
+                          const std::string& reason) {
+  const std::string home = HomeURI(base, maker);
+  return ComposeText(maker, {title, {reason}, home, {{SoftKeyRole::kHome, home}}});
+}
+
+}  // namespace phonebook

@@ -1,0 +1,63 @@
+/// @file
+/// The pages of the phone book: what each shows, for a phone of any maker.
+#pragma once
+
+#include <teleform/screens/compose.h>
+
+#include <functional>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "phonebook/database/store.h"
+
+namespace phonebook {
+
+using teleform::screens::Document;
+using teleform::screens::Maker;
+
+constexpr const char* kNoPage = "The phone book has no such page.";
+
+/// A request that is answered by an error page.
+class HTTPError : public std::runtime_error {
+ public:
+  /// @param reason what the page tells the phone's user.
+  HTTPError(int theStatus, const std::string& reason) : runtime_error(reason), status(theStatus) {}
+  int status;
+};
+
+/// A request for a page.
+struct PageRequest {
+  Maker maker;
+  std::string base;                           ///< What links begin with, such as "http://host".
+  std::vector<std::string> path;              ///< The segments behind the maker's.
+  std::map<std::string, std::string> params;  ///< The query.
+};
+
+/// A page in the list of pages: one that takes no contact, or that of contact 1.
+struct PageLink {
+  std::string title;
+  std::string path;  ///< What follows the maker's segment.
+};
+std::vector<PageLink> AllPages();
+
+/// Whether `path` is that of a page.
+bool IsPage(const std::vector<std::string>& path);
+
+/// The URI of the maker's home page.
+std::string HomeURI(const std::string& base, Maker maker);
+
+/// The document of a page, or how to compose it from the database. The function throws `HTTPError`
+/// when there is no such page and `DatabaseUnavailable` when the database fails.
+using PageResult = std::variant<Document, std::function<Document(Store&)>>;
+
+/// @throws HTTPError when there is no such page or a parameter is malformed.
+PageResult Route(const PageRequest& request);
+
+/// The page that takes the place of another one.
+Document ComposeErrorPage(Maker maker, const std::string& base, const std::string& title,
+                          const std::string& reason);
+
+}  // namespace phonebook

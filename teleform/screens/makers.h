@@ -1,0 +1,52 @@
+/// @file
+/// The makers whose phones the library composes documents for, and what a server must know of each.
+///
+/// Throughout `teleform::screens`: functions may be called from any thread, and distinct documents
+/// may be used on different threads at the same time. A value outside an enumeration is refused
+/// with `std::invalid_argument`.
+#pragma once
+
+#include <teleform/core/export.h>
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+namespace teleform::screens {
+
+/// The makers, in the order of their names.
+enum class Maker : int { kAastra, kCisco, kPolycom, kSnom, kYealink };
+
+/// What a server must know of a maker's phones.
+struct MakerFacts {
+  Maker maker{};
+  std::string_view name{};   ///< The name, such as "Aastra".
+  std::string_view slug{};   ///< The name in lower case, for the paths of URIs.
+  int pageSize = 0;          ///< How many items fit well on one page of the phones.
+  bool writesPages = false;  ///< Whether the directory itself links the pages before and after.
+};
+
+/// A range of facts; they live as long as the program.
+struct MakerRange {
+  const MakerFacts* first;
+  const MakerFacts* last;
+  const MakerFacts* begin() const noexcept { return first; }
+  const MakerFacts* end() const noexcept { return last; }
+  std::size_t size() const noexcept { return static_cast<std::size_t>(last - first); }
+};
+
+/// The facts of all makers, in the order of the enumeration.
+TELEFORM_EXPORT MakerRange AllMakers() noexcept;
+
+/// The facts of `maker`; they live as long as the program.
+/// @throws std::invalid_argument when `maker` is no maker.
+TELEFORM_EXPORT const MakerFacts& FactsOf(Maker maker);
+
+/// The maker whose slug is exactly `slug`, if there is one.
+TELEFORM_EXPORT std::optional<Maker> MakerOfSlug(std::string_view slug) noexcept;
+
+/// The maker whose name stands in `userAgent`, the value of a request's User-Agent field, in upper
+/// or lower case; of several makers the first in the order of the enumeration.
+TELEFORM_EXPORT std::optional<Maker> MakerOfUserAgent(std::string_view userAgent) noexcept;
+
+}  // namespace teleform::screens

@@ -1,0 +1,80 @@
+/// @file
+/// What a screen shows, said once for the phones of all makers: `compose.h` makes documents of it.
+///
+/// Texts are given as people wrote them, in UTF-8, and URIs as they are requested: composing
+/// escapes them. A text or URI of an item that is empty becomes "-", as documents refuse empty
+/// ones. Soft keys are added in their order, by `AddSoftKey`; those that a document can't have are
+/// left out.
+#pragma once
+
+#include <teleform/screens/soft_keys.h>
+
+#include <string>
+#include <vector>
+
+namespace teleform::screens {
+
+/// An item of a menu.
+struct Item {
+  std::string text{};
+  std::string uri{};  ///< Where it leads.
+};
+
+/// A choice of pages.
+struct Menu {
+  std::string title{};
+  std::vector<Item> items{};
+  std::vector<SoftKey> keys{};
+  std::string previous{};  ///< The URI of the page before this one; empty when there is none.
+  std::string next{};      ///< The URI of the page after this one; empty when there is none.
+};
+
+/// Somebody to call.
+struct Person {
+  std::string name{};
+  std::string telephone{};  ///< What the phone dials: a number or a SIP address.
+  std::string note{};       ///< Shown behind the name where the document has room for it.
+};
+
+/// A list of people, each of whom is called by choosing them.
+struct List {
+  std::string title{};
+  std::vector<Person> people{};
+  std::vector<SoftKey> keys{};
+  std::string previous{};  ///< The URI of the page before this one; empty when there is none.
+  std::string next{};      ///< The URI of the page after this one; empty when there is none.
+};
+
+/// A text to read.
+struct Text {
+  std::string title{};
+  std::vector<std::string> lines{};
+  std::string target{};  ///< A URI or number: where a line leads, if lines become items of a list.
+  std::vector<SoftKey> keys{};
+};
+
+/// A form with one field.
+struct Form {
+  std::string title{};
+  std::string hint{};  ///< Shown above the field where the document has room for it.
+  std::string prompt{};
+  std::string uri{};        ///< Where the phone sends the value; it has no query.
+  std::string parameter{};  ///< The name of the value in the query.
+  std::vector<SoftKey> keys{};
+};
+
+/// A call that the phone starts by itself, or else offers.
+struct Call {
+  Person person{};
+  std::vector<SoftKey> keys{};  ///< Where the document has them.
+};
+
+/// A message on top of what the phone shows.
+struct Alert {
+  Text text{};
+  bool isUrgent = true;   ///< Whether the phone beeps and shows it as an alert.
+  std::string session{};  ///< A later alert of the same session replaces this one.
+  int timeout = 10;       ///< For how many seconds an urgent one is shown.
+};
+
+}  // namespace teleform::screens
