@@ -1,5 +1,5 @@
-// How text is appended, without what only the newest standard library offers: the library's other
-// tests run with it.
+// The appending of pieces, in the fallback for standard libraries without resize_and_overwrite. The
+// other tests cover the version with it, where it is available.
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -11,14 +11,15 @@ namespace {
 
 using namespace teleform;
 
-TEST(Append, WritesPiecesInTheirOrder) {
+TEST(Append, WritesPiecesInOrder) {
   const std::string text = "text";
   const std::string numbers = "123";
   std::string out = "kept ";
-  Append(out, "<a", When(true, " b=\"", text, "\""), When(false, " c=\"", text, "\""),
-         Line(">", std::string_view(text).substr(1), "</a>"),
-         Each(numbers, [](const char& digit) { return Pieces(std::string_view(&digit, 1), ";"); }),
-         "");
+  Append(
+      out, "<a", When(true, " b=\"", text, "\""), When(false, " c=\"", text, "\""),
+      Line(">", std::string_view(text).substr(1), "</a>"),
+      ForEach(numbers, [](const char& digit) { return Pieces(std::string_view(&digit, 1), ";"); }),
+      "");
   EXPECT_EQ(out, "kept <a b=\"text\">ext</a>\n1;2;3;");
 }
 
@@ -33,23 +34,23 @@ TEST(Append, CopiesTextsOfEveryLength) {
 }
 
 TEST(Size, DoesNotWrap) {
-  const std::string_view huge("", std::size_t{3} << 30);  // nobody looks at its bytes
+  const std::string_view huge("", std::size_t{3} << 30);  // the bytes are not read
   EXPECT_EQ(Size(Pieces("<", huge, When(true, huge))), 1 + (TotalSize{6} << 30));
 }
 
-TEST(MakeRoom, RefusesMoreThanAStringCanHold) {
+TEST(ReserveAdditional, RefusesMoreThanAStringCanHold) {
   std::string out = "kept";
   for (const TotalSize tooMuch :
        {TotalSize{out.max_size()} - 3, TotalSize{out.max_size()} + 1, ~TotalSize{0}}) {
-    EXPECT_THROW(MakeRoom(out, tooMuch), std::length_error);
+    EXPECT_THROW(ReserveAdditional(out, tooMuch), std::length_error);
   }
   EXPECT_EQ(out, "kept");
   const std::size_t capacity = out.capacity();
-  MakeRoom(out, capacity - out.size());
+  ReserveAdditional(out, capacity - out.size());
   EXPECT_EQ(out.capacity(), capacity);
-  MakeRoom(out, capacity - out.size() + 1);
+  ReserveAdditional(out, capacity - out.size() + 1);
   EXPECT_GE(out.capacity(), 2 * capacity);
-  MakeRoom(out, 1000);
+  ReserveAdditional(out, 1000);
   EXPECT_GE(out.capacity(), 1000 + out.size());
   EXPECT_EQ(out, "kept");
 }

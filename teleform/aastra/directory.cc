@@ -40,5 +40,5 @@ void AastraIPPhoneDirectory::Render(std::string& out) {
                          Line("<Title>", title, "</Title>")),
                   entries,
                   AastraMenuItem,
-                  Pieces(Each(softKeys, AastraSoftKeyItem), Line("</AastraIPPhoneDirectory>")));
+                  Pieces(ForEach(softKeys, AastraSoftKeyItem), Line("</AastraIPPhoneDirectory>")));
 }

@@ -11,6 +11,6 @@ void AastraIPPhoneExecute::Render(std::string& out) {
   Append(out,
          Line("<AastraIPPhoneExecute", AastraFlags(destroyOnExit, beep), ">"),
          Line("<ExecuteItem URI=\"", UpToNul(URI), "\"/>"),
-         Each(softKeys, AastraSoftKeyItem),
+         ForEach(softKeys, AastraSoftKeyItem),
          Line("</AastraIPPhoneExecute>"));
 }

@@ -28,6 +28,6 @@ void AastraIPPhoneInput::Render(std::string& out) {
          Line("<URL>", params.URL, "</URL>"),
          Line("<Parameter>", params.parameter, "</Parameter>"),
          Line("<Default>", params.defaultValue, "</Default>"),
-         Each(softKeys, AastraSoftKeyItem),
+         ForEach(softKeys, AastraSoftKeyItem),
          Line("</AastraIPPhoneInputScreen>"));
 }

@@ -34,6 +34,6 @@ void AastraIPPhoneMenu::Render(std::string& out) {
          Line("<AastraIPPhoneTextMenu", AastraFlags(destroyOnExit, beep), ">"),
          Line("<Title>", title, "</Title>"),
          MenuItems(items, AastraMenuItem),
-         Each(softKeys, AastraSoftKeyItem),
+         ForEach(softKeys, AastraSoftKeyItem),
          Line("</AastraIPPhoneTextMenu>"));
 }

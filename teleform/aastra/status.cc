@@ -11,8 +11,8 @@ namespace teleform {
 
 namespace {
 
-// A number as NumberToString writes it under the classic locale. It is a piece, so that its digits
-// go straight to where they belong.
+// A piece that writes an integer directly into the output, as NumberToString formats it under the
+// classic locale.
 struct Decimal {
   explicit Decimal(int theValue) : value(theValue), size(value < 0 ? 2 : 1) {
     for (int rest = value / 10; rest != 0; rest /= 10) ++size;
@@ -27,9 +27,9 @@ char* Copy(char* to, const Decimal& number) {
   return std::to_chars(to, to + number.size, number.value).ptr;
 }
 
-// Whether plain digits are right. Comparing locales takes a third of a rendering; a locale is a
-// pointer, and two of the same bytes are the same locale. Where that should miss the classic one,
-// NumberToString still writes the right digits.
+// Whether the global locale is the classic one. Comparing two locales takes a third of the
+// rendering time. A locale object is a single pointer, so equal bytes mean equal locales. A false
+// negative is harmless: NumberToString writes the same digits.
 bool IsLocaleClassic() {
   static const std::locale& classic = std::locale::classic();
   const std::locale global;
@@ -64,8 +64,8 @@ void AastraIPPhoneStatus::Render(std::string& out) {
                 When(isAlert && message.timeout > 0, " Timeout=\"", timeout, "\""),
                 ">"),
            Line(message.text, "</Message>"),
-           // The condition spares a document this short two calls for a list that is rarely there.
-           When(!softKeys.empty(), Each(softKeys, AastraSoftKeyItem)),
+           // The condition saves two function calls, which are noticeable in a short document.
+           When(!softKeys.empty(), ForEach(softKeys, AastraSoftKeyItem)),
            Line("</AastraIPPhoneStatus>"));
   };
   if (IsLocaleClassic()) {

@@ -14,6 +14,6 @@ void AastraIPPhoneTextScreen::Render(std::string& out) {
          Line("<AastraIPPhoneTextScreen", AastraFlags(destroyOnExit, beep), ">"),
          Line("<Title>", title, "</Title>"),
          Line("<Text>", UpToNul(text), "</Text>"),
-         Each(softKeys, AastraSoftKeyItem),
+         ForEach(softKeys, AastraSoftKeyItem),
          Line("</AastraIPPhoneTextScreen>"));
 }

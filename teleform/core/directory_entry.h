@@ -1,5 +1,5 @@
 /// @file
-/// An entry of a directory, and the orders in which entries can be compared.
+/// A directory entry and its comparison functions.
 #pragma once
 
 #include <teleform/core/export.h>
@@ -7,54 +7,55 @@
 #include <ostream>
 #include <string>
 
-/// A name and the telephone number or URI that the phone dials for it.
+/// A name and the telephone number or URI that the phone dials.
 ///
-/// Entries can be copied, not assigned: neither field changes after construction. Each maker's
-/// directory creates entries of its own class, which knows how that maker writes one.
+/// Entries can be copied but not assigned. Neither field changes after construction. Each maker's
+/// directory creates entries of its own subclass, which renders them in that maker's format.
 class TELEFORM_EXPORT IPPhoneDirectoryEntry {
  public:
-  /// Copies both strings whole; either may be empty and may hold NULs.
+  /// Copies both strings in full. Either may be empty and may contain NULs.
   IPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   /// Copies both strings.
   IPPhoneDirectoryEntry(const IPPhoneDirectoryEntry& other);
   IPPhoneDirectoryEntry& operator=(const IPPhoneDirectoryEntry&) = delete;
   virtual ~IPPhoneDirectoryEntry();
 
-  /// Appends the entry as its maker writes it; this base class writes nothing. What is thrown, and
-  /// what holds then, is as for `IPPhoneXML::Render`.
+  /// Appends the entry in its maker's format. This base class appends nothing. Exceptions and their
+  /// guarantees are those of `IPPhoneXML::Render`.
   virtual void Render(std::string& out);
 
   /// @name Order by name
-  /// Bytes compare as unsigned, without regard to locale or letter case, and a name comes before
-  /// the longer names that begin with it. The telephone takes no part.
+  /// Names compare lexicographically by unsigned bytes: a prefix sorts before longer names, and
+  /// upper and lower case differ. The locale and the telephone have no influence.
   /// @{
-  bool operator<(const IPPhoneDirectoryEntry& other);   ///< Whether this name comes first.
-  bool operator<=(const IPPhoneDirectoryEntry& other);  ///< The same, or the names are equal.
-  bool operator>(const IPPhoneDirectoryEntry& other);   ///< Whether this name comes last.
-  bool operator>=(const IPPhoneDirectoryEntry& other);  ///< The same, or the names are equal.
+  bool operator<(
+      const IPPhoneDirectoryEntry& other);  ///< Whether this name sorts before the other.
+  bool operator<=(const IPPhoneDirectoryEntry& other);  ///< Whether it sorts before or is equal.
+  bool operator>(const IPPhoneDirectoryEntry& other);  ///< Whether this name sorts after the other.
+  bool operator>=(const IPPhoneDirectoryEntry& other);  ///< Whether it sorts after or is equal.
   /// @}
 
-  /// The name, whole; it stays the entry's.
+  /// The full name. The entry owns the string.
   const std::string& GetName() const noexcept { return name; }
 
-  /// The telephone number or URI, whole; it stays the entry's.
+  /// The full telephone number or URI. The entry owns the string.
   const std::string& GetTelephone() const noexcept { return telephone; }
 
  protected:
-  std::string name;       ///< What `GetName` returns.
-  std::string telephone;  ///< What `GetTelephone` returns.
+  std::string name;       ///< The value of `GetName`.
+  std::string telephone;  ///< The value of `GetTelephone`.
 };
 
-/// Writes the name of `entry`, NULs included, and nothing else.
+/// Writes only the name of `entry`, NULs included.
 TELEFORM_EXPORT std::ostream& operator<<(std::ostream& os, const IPPhoneDirectoryEntry& entry);
 
-/// Whether `a` must be placed before `b`: at the first position inside both names where they
-/// differ, the byte of `a` is the smaller one (unsigned; letter case is not folded).
+/// Whether the name of `a` sorts before the name of `b` within their common length. The first
+/// unsigned byte that differs decides. Letter case is not folded.
 ///
-/// Of two names that are equal, or of which one begins with the other, neither comes before the
-/// other. That makes it unfit as the order of a standard sort: Ann is unordered against Anna and
-/// against Annb, yet Anna comes before Annb. `IPPhoneDirectoryXML::SortDirectoryItems` sorts by an
-/// order that never contradicts this one.
-/// @param a not null; it stays the caller's.
-/// @param b not null; it stays the caller's.
+/// Equal names are unordered, and so are a name and its prefix. The function is not a strict weak
+/// order and must not be passed to a standard sort: Ann is unordered against Anna and Annb, but
+/// Anna sorts before Annb. `IPPhoneDirectoryXML::SortDirectoryItems` uses an order that never
+/// contradicts this one.
+/// @param a not null; the caller keeps ownership.
+/// @param b not null; the caller keeps ownership.
 TELEFORM_EXPORT bool compare_case(IPPhoneDirectoryEntry* a, IPPhoneDirectoryEntry* b);

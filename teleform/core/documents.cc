@@ -27,8 +27,7 @@ void IPPhoneMenuXML::SetNextURI(const std::string& /*uri*/) {}
 IPPhoneDirectoryXML::IPPhoneDirectoryXML(const char* theTitle, int theMaxItems)
     : IPPhoneXML(theTitle), maxItems(theMaxItems) {}
 
-// Not left to the vector: standard libraries differ in the order in which one destroys its
-// elements.
+// The order in which a vector destroys its elements depends on the standard library.
 IPPhoneDirectoryXML::~IPPhoneDirectoryXML() {
   for (auto& entry : entries) entry.reset();
 }

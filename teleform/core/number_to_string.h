@@ -1,5 +1,5 @@
 /// @file
-/// Numbers as text.
+/// Conversion of numbers to text.
 #pragma once
 
 #include <teleform/core/export.h>
@@ -14,8 +14,8 @@
 
 namespace teleform {
 
-/// Whether a stream writes a `T` as plain digits: the integers that are neither characters nor
-/// bool.
+/// Whether an output stream writes a `T` as decimal digits. True for all integer types except
+/// `bool` and the character types.
 template <typename T>
 inline constexpr bool kIsWrittenAsDigits =
     std::disjunction_v<std::is_same<T, short>, std::is_same<T, unsigned short>,
@@ -25,15 +25,15 @@ inline constexpr bool kIsWrittenAsDigits =
 
 }  // namespace teleform
 
-/// `value` as a standard output string stream writes it under the process's global locale at the
-/// time of the call: under the classic locale plain digits, with a minus sign below zero.
-/// @throws std::bad_alloc when memory runs out; under the classic locale no integer of up to 15
-/// characters needs any.
+/// Formats `value` as a `std::ostringstream` does under the process's current global locale. Under
+/// the classic locale an integer is plain decimal digits, with a minus sign if negative.
+/// @throws std::bad_alloc when memory runs out. Under the classic locale an integer of up to 15
+/// characters needs no allocation.
 template <typename T>
 std::string NumberToString(const T& value) {
   if constexpr (teleform::kIsWrittenAsDigits<T>) {
     if (std::locale() == std::locale::classic()) {
-      std::array<char, std::numeric_limits<T>::digits10 + 2> digits;  // one more, and the sign
+      std::array<char, std::numeric_limits<T>::digits10 + 2> digits;  // the last digit, the sign
       const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
       return std::string(digits.data(), end);
     }

@@ -1,20 +1,15 @@
-// How text is appended. A Render says what it writes as one list of pieces, in the order in which
-// the phone reads them:
+// Appends text to a string. A Render passes its whole output as one list of pieces, in order:
 //
 //   Append(out,
 //          Line("<Greeting", When(isLoud, " Loud=\"yes\""), ">"),
 //          Line("<Name>", name, "</Name>"),
-//          Each(friends, [](const auto& one) { return Line("<Friend>", one, "</Friend>"); }),
+//          ForEach(friends, [](const auto& f) { return Line("<Friend>", f, "</Friend>"); }),
 //          Line("</Greeting>"));
 //
-// The list serves twice. First the sizes of all pieces are added up and room is made in the
-// caller's string, the only step that can fail; then the pieces are copied. That way a rendering is
-// one allocation at most, runs at nearly the speed of copying memory, and is all or nothing.
-//
-// Pieces:    what a list can hold.
-// Sizes:     how many bytes a piece has.
-// Copies:    how it gets where there is room for it.
-// Appending: room for the whole list, then the copies.
+// Append traverses the list twice. The first pass adds up the sizes of all pieces and reserves
+// memory in the caller's string, the only step that can fail. The second pass copies the pieces. A
+// rendering therefore needs at most one allocation, runs at nearly the speed of memcpy, and is all
+// or nothing.
 #pragma once
 
 #include <algorithm>
@@ -28,19 +23,19 @@
 #include <type_traits>
 #include <utility>
 
-// Forced, because a literal's bytes, its size and a condition are known only where the list stands:
-// left to themselves, compilers pass them to the copying through memory, at half the speed.
+// Literals, their sizes and conditions are constants only in the function that contains the list.
+// Without forced inlining, compilers pass them through memory, which halves the speed.
 #define TELEFORM_INLINE __attribute__((always_inline))
 
 namespace teleform {
 
 // == Pieces ==
 //
-// A piece is text or is made of pieces, and only refers to its text. Text is a std::string, a
-// std::string_view, or an array of characters: that is taken for a literal, whose last character is
-// not written.
+// A piece is text or a composition of pieces. It refers to its text and does not own it. Text is a
+// std::string, a std::string_view or an array of characters. An array must be a literal: its last
+// character is not written.
 
-// A literal keeps its size in its type: copies of known size need no call.
+// The type carries the size, so that compilers copy a literal inline.
 template <std::size_t size>
 struct Literal {
   Literal(const char* literal) : text(literal) {}
@@ -49,60 +44,60 @@ struct Literal {
 
 template <typename... Piece>
 struct Group {
-  bool isWanted;
+  bool isIncluded;
   std::tuple<Piece...> pieces;
 };
 
-template <typename List, typename Element>
-struct Elements {
-  const List& list;
-  Element element;
+template <typename Container, typename ToPiece>
+struct Repetition {
+  const Container& items;
+  ToPiece toPiece;
 };
 
-// What a list keeps of what it is given.
+// The type that stores an argument of type T in a list.
 template <typename T>
-struct PieceFor {
+struct StoredPiece {
   using Type =
       std::conditional_t<std::is_convertible_v<const T&, std::string_view>, std::string_view, T>;
 };
 template <std::size_t size>
-struct PieceFor<char[size]> {
+struct StoredPiece<char[size]> {
   using Type = Literal<size - 1>;
 };
 template <typename T>
-using PieceOf = typename PieceFor<T>::Type;
+using StoredPieceType = typename StoredPiece<T>::Type;
 
-// Pieces that are wanted only under a condition, such as an attribute.
+// Pieces that are written only if the condition holds, such as an attribute.
 template <typename... T>
-Group<PieceOf<T>...> When(bool condition, const T&... piece) {
+Group<StoredPieceType<T>...> When(bool condition, const T&... piece) {
   return {condition, {piece...}};
 }
 
-// Pieces in a row.
+// A sequence of pieces.
 template <typename... T>
-Group<PieceOf<T>...> Pieces(const T&... piece) {
+Group<StoredPieceType<T>...> Pieces(const T&... piece) {
   return When(true, piece...);
 }
 
-// Pieces in a row, and a line feed.
+// A sequence of pieces and a line feed.
 template <typename... T>
 auto Line(const T&... piece) {
   return Pieces(piece..., "\n");
 }
 
-// For each item of a list the piece that `element` makes of it.
-template <typename List, typename Element>
-Elements<List, Element> Each(const List& list, Element element) {
-  return {list, element};
+// One piece per item of a container; `toPiece` maps an item to its piece.
+template <typename Container, typename ToPiece>
+Repetition<Container, ToPiece> ForEach(const Container& items, ToPiece toPiece) {
+  return {items, toPiece};
 }
 
-// What the phone is to see of a text that a NUL ends.
+// The text before the first NUL, or all of it.
 inline std::string_view UpToNul(const std::string& text) { return text.c_str(); }
 
 // == Sizes ==
 
-// A sum of sizes. A document may say one text several times, so that a std::size_t of 32 bits could
-// wrap; this one can't.
+// The sum of sizes. A document may contain the same text several times, which could overflow a
+// 32-bit std::size_t.
 using TotalSize = std::uint64_t;
 
 inline TotalSize Size(std::string_view text) { return text.size(); }
@@ -120,79 +115,79 @@ TELEFORM_INLINE inline TotalSize Size(const Group<Piece...>& group,
 
 template <typename... Piece>
 TELEFORM_INLINE inline TotalSize Size(const Group<Piece...>& group) {
-  return group.isWanted ? Size(group, std::index_sequence_for<Piece...>()) : 0;
+  return group.isIncluded ? Size(group, std::index_sequence_for<Piece...>()) : 0;
 }
 
-// By value, here and below: a reference would make the compiler keep the whole list of pieces, of
-// which the elements are a part, in memory.
-template <typename List, typename Element>
-TotalSize Size(Elements<List, Element> elements) {
+// By value, here and in Copy: a reference would force the compiler to keep the whole list of pieces
+// in memory.
+template <typename Container, typename ToPiece>
+TotalSize Size(Repetition<Container, ToPiece> repetition) {
   TotalSize size = 0;
-  for (const auto& item : elements.list) size += Size(elements.element(item));
+  for (const auto& item : repetition.items) size += Size(repetition.toPiece(item));
   return size;
 }
 
 // == Copies ==
 
-// Nearly all texts that phones show are so short that a call costs more than the copying: two
-// copies of known size, which overlap where the text is shorter than both, take their place.
+// Copies text of half to 2 * half bytes by two copies of constant size, which may overlap. Texts on
+// phones are short, and a call to memcpy costs more than such copies.
 template <std::size_t half>
-void CopyHalves(char* to, std::string_view text) {
-  std::memcpy(to, text.data(), half);
-  std::memcpy(to + text.size() - half, text.data() + text.size() - half, half);
+void CopyOverlapping(char* dest, std::string_view text) {
+  std::memcpy(dest, text.data(), half);
+  std::memcpy(dest + text.size() - half, text.data() + text.size() - half, half);
 }
 
-inline char* Copy(char* to, std::string_view text) {
+inline char* Copy(char* dest, std::string_view text) {
   if (text.size() >= 8 && text.size() <= 16) {
-    CopyHalves<8>(to, text);
+    CopyOverlapping<8>(dest, text);
   } else if (text.size() > 16 && text.size() <= 32) {
-    CopyHalves<16>(to, text);
+    CopyOverlapping<16>(dest, text);
   } else {
-    text.copy(to, text.size());
+    text.copy(dest, text.size());
   }
-  return to + text.size();
+  return dest + text.size();
 }
 
 template <std::size_t size>
-char* Copy(char* to, const Literal<size>& literal) {
-  std::memcpy(to, literal.text, size);
-  return to + size;
+char* Copy(char* dest, const Literal<size>& literal) {
+  std::memcpy(dest, literal.text, size);
+  return dest + size;
 }
 
 template <typename... Piece, std::size_t... index>
-TELEFORM_INLINE inline char* Copy(char* to, const Group<Piece...>& group,
+TELEFORM_INLINE inline char* Copy(char* dest, const Group<Piece...>& group,
                                   std::index_sequence<index...> /*all*/) {
-  ((to = Copy(to, std::get<index>(group.pieces))), ...);
-  return to;
+  ((dest = Copy(dest, std::get<index>(group.pieces))), ...);
+  return dest;
 }
 
 template <typename... Piece>
-TELEFORM_INLINE inline char* Copy(char* to, const Group<Piece...>& group) {
-  return group.isWanted ? Copy(to, group, std::index_sequence_for<Piece...>()) : to;
+TELEFORM_INLINE inline char* Copy(char* dest, const Group<Piece...>& group) {
+  return group.isIncluded ? Copy(dest, group, std::index_sequence_for<Piece...>()) : dest;
 }
 
-template <typename List, typename Element>
-char* Copy(char* to, Elements<List, Element> elements) {
-  for (const auto& item : elements.list) to = Copy(to, elements.element(item));
-  return to;
+template <typename Container, typename ToPiece>
+char* Copy(char* dest, Repetition<Container, ToPiece> repetition) {
+  for (const auto& item : repetition.items) dest = Copy(dest, repetition.toPiece(item));
+  return dest;
 }
 
 // == Appending ==
 
-// Lets `out` grow by `size` bytes at least. Growing at least by doubling keeps the appending of
-// thousands of documents to one string linear. Kept out of line, because it is rarely needed.
-[[gnu::noinline]] inline void Grow(std::string& out, TotalSize size) {
+// Reallocates `out` with room for `size` more bytes. It at least doubles the capacity, so that
+// appending n documents to one string takes linear time. Out of line because it is rarely called.
+[[gnu::noinline]] inline void GrowCapacity(std::string& out, TotalSize size) {
   if (size > out.max_size() - out.size()) throw std::length_error("document too long for a string");
   const std::size_t needed = out.size() + static_cast<std::size_t>(size);
   const std::size_t doubled = std::min(out.capacity(), out.max_size() / 2) * 2;
   out.reserve(std::max(needed, doubled));
 }
 
-inline void MakeRoom(std::string& out, TotalSize size) {
-  if (size > out.capacity() - out.size()) Grow(out, size);
+inline void ReserveAdditional(std::string& out, TotalSize size) {
+  if (size > out.capacity() - out.size()) GrowCapacity(out, size);
 }
 
-// Copies a piece of this size behind what `out` holds, which takes nothing if there is room for it.
+// Appends a piece of the given size. Does not allocate if the capacity suffices.
 template <typename Piece>
 [[gnu::flatten]] TELEFORM_INLINE inline void Write(std::string& out, TotalSize size,
                                                    const Piece& piece) {
@@ -213,15 +208,15 @@ template <typename... T>
 TELEFORM_INLINE inline void Append(std::string& out, const T&... piece) {
   const auto pieces = Pieces(piece...);
   const TotalSize size = Size(pieces);
-  MakeRoom(out, size);
+  ReserveAdditional(out, size);
   Write(out, size, pieces);
 }
 
-// Appends a directory, whose entries must write themselves, by their virtual Render, but can't tell
-// how much that will be. `element` does: it gives the pieces that an entry of this directory's
-// class writes for a name and a telephone. Where a caller has derived from the directory and put in
-// entries of another class, these may take more room than there is: then `out` grows while they
-// write, and if that fails what has been written is taken back.
+// Appends a directory. Its entries are rendered by their virtual Render, which can't report a size
+// beforehand. The size comes from `element`, which returns the pieces that an entry of this
+// directory's class writes for a name and a telephone. A subclass of the directory may hold entries
+// of another class, which may be longer. In that case `out` grows during rendering, and a failure
+// restores it to its previous size.
 template <typename Head, typename Entries, typename Element, typename Tail>
 TELEFORM_INLINE inline void AppendDirectory(std::string& out, const Head& head,
                                             const Entries& entries, Element element,
@@ -231,7 +226,7 @@ TELEFORM_INLINE inline void AppendDirectory(std::string& out, const Head& head,
   };
   const TotalSize headSize = Size(head);
   const TotalSize tailSize = Size(tail);
-  MakeRoom(out, headSize + Size(Each(entries, pieces)) + tailSize);
+  ReserveAdditional(out, headSize + Size(ForEach(entries, pieces)) + tailSize);
   const std::size_t before = out.size();
   try {
     Write(out, headSize, head);

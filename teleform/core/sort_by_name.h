@@ -1,4 +1,4 @@
-// The order that directories promise.
+// The sort behind SortDirectoryItems.
 #pragma once
 
 #include <teleform/core/directory_entry.h>
@@ -8,8 +8,9 @@
 
 namespace teleform {
 
-// Sorts entries, none of which is null, by the bytes of their names, a name before the longer ones
-// that begin with it; equal names stay in their order. They stay as they are if memory runs out.
+// Sorts the entries stably by name, in ascending order of unsigned bytes; a prefix sorts before
+// longer names. No entry may be null. Throws std::bad_alloc when memory runs out and leaves the
+// entries unchanged.
 void SortByName(std::vector<std::unique_ptr<IPPhoneDirectoryEntry>>& entries);
 
 }  // namespace teleform

@@ -34,5 +34,5 @@ void SnomIPPhoneDirectory::Render(std::string& out) {
                   Pieces(Line("<SnomIPPhoneDirectory>"), Line("<Title>", title, "</Title>")),
                   entries,
                   DirectoryEntry,
-                  Pieces(Each(softKeys, SoftKeyItem), Line("</SnomIPPhoneDirectory>")));
+                  Pieces(ForEach(softKeys, SoftKeyItem), Line("</SnomIPPhoneDirectory>")));
 }

@@ -26,6 +26,6 @@ void SnomIPPhoneInput::Render(std::string& out) {
          Line("<DefaultValue>", params.defaultValue, "</DefaultValue>"),
          Line("<InputFlags>", inputFlags, "</InputFlags>"),
          Line("</InputItem>"),
-         Each(softKeys, SoftKeyItem),
+         ForEach(softKeys, SoftKeyItem),
          Line("</SnomIPPhoneInput>"));
 }

@@ -31,6 +31,6 @@ void SnomIPPhoneMenu::Render(std::string& out) {
          Line("<SnomIPPhoneDirectory>"),
          Line("<Title>", title, "</Title>"),
          MenuItems(items, DirectoryEntry),
-         Each(softKeys, SoftKeyItem),
+         ForEach(softKeys, SoftKeyItem),
          Line("</SnomIPPhoneDirectory>"));
 }

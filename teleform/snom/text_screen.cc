@@ -14,6 +14,6 @@ void SnomIPPhoneTextScreen::Render(std::string& out) {
          Line("<SnomIPPhoneText>"),
          Line("<Title>", title, "</Title>"),
          Line("<Text>", text, "</Text>"),
-         Each(softKeys, SoftKeyItem),
+         ForEach(softKeys, SoftKeyItem),
          Line("</SnomIPPhoneText>"));
 }

@@ -34,5 +34,5 @@ void YealinkIPPhoneDirectory::Render(std::string& out) {
                   Pieces(Line("<YealinkIPPhoneDirectory>"), Line("<Title>", title, "</Title>")),
                   entries,
                   DirectoryEntry,
-                  Pieces(Each(softKeys, SoftKeyItem), Line("</YealinkIPPhoneDirectory>")));
+                  Pieces(ForEach(softKeys, SoftKeyItem), Line("</YealinkIPPhoneDirectory>")));
 }

@@ -31,6 +31,6 @@ void YealinkIPPhoneMenu::Render(std::string& out) {
          Line("<YealinkIPPhoneDirectory>"),
          Line("<Title>", title, "</Title>"),
          MenuItems(items, DirectoryEntry),
-         Each(softKeys, SoftKeyItem),
+         ForEach(softKeys, SoftKeyItem),
          Line("</YealinkIPPhoneDirectory>"));
 }
