@@ -8,10 +8,10 @@
 
 #include <string>
 
-/// An entry that is written as a `MenuItem` element, both fields whole.
+/// An entry, written as a `MenuItem` element with both fields in full.
 class TELEFORM_EXPORT AastraIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
  public:
-  /// Copies both strings whole.
+  /// Copies both strings in full, NULs included.
   AastraIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   /// Copies both strings.
   AastraIPPhoneDirectoryEntry(const AastraIPPhoneDirectoryEntry& other) = default;
@@ -21,12 +21,12 @@ class TELEFORM_EXPORT AastraIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry
   void Render(std::string& out) override;
 };
 
-/// A title, entries up to a limit, links to the pages before and after, and soft keys; writes both
-/// attribute flags.
+/// A title, a limited number of entries, links to the previous and next page, and soft keys. Writes
+/// both attribute flags.
 class TELEFORM_EXPORT AastraIPPhoneDirectory : public IPPhoneDirectoryXML, public AastraIPPhone {
  public:
-  /// @param title ends at its NUL; null is the empty title.
-  /// @param maxItems the most entries that the directory takes; with 0 and less it takes none.
+  /// @param title a NUL-terminated string; null means the empty title.
+  /// @param maxItems the maximum number of entries; 0 or less rejects every entry.
   AastraIPPhoneDirectory(const char* title, int maxItems);
   ~AastraIPPhoneDirectory() override;
 
@@ -34,7 +34,7 @@ class TELEFORM_EXPORT AastraIPPhoneDirectory : public IPPhoneDirectoryXML, publi
   bool AppendEntry(const std::string& name, const std::string& telephone) override;
 
   /// @name Page links
-  /// Written whole, as attributes; an empty URI takes its attribute away again.
+  /// Written in full as attributes of the root element. An empty URI removes its attribute.
   /// @{
   void SetPreviousURI(const std::string& uri) override;
   void SetNextURI(const std::string& uri) override;

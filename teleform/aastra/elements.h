@@ -1,4 +1,4 @@
-// Elements and attributes that several Aastra documents write.
+// XML elements and attributes that several Aastra documents share.
 #pragma once
 
 #include <teleform/aastra/soft_keys.h>

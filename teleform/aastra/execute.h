@@ -7,11 +7,11 @@
 
 #include <string>
 
-/// A URI that the phone is to carry out, and soft keys; writes both attribute flags. The URI is an
-/// attribute of an element without content, which ends in `/>` and a line feed.
+/// A URI that the phone executes, and soft keys. Writes both attribute flags. The URI is an
+/// attribute of an empty element, which ends with `/>` and a line feed.
 class TELEFORM_EXPORT AastraIPPhoneExecute : public IPPhoneExecuteXML, public AastraIPPhone {
  public:
-  /// @param uri written up to its first NUL; it may be empty. It is the document's title as well,
+  /// @param uri written up to its first NUL; it may be empty. It is also the value of `GetTitle`,
   /// which is not written.
   explicit AastraIPPhoneExecute(const std::string& uri);
   ~AastraIPPhoneExecute() override;

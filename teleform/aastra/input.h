@@ -7,14 +7,14 @@
 
 #include <string>
 
-/// A form for one value, with soft keys; writes both attribute flags. It can be rendered before
-/// `SetParams` has succeeded: its elements are then empty.
+/// A form with one input field, and soft keys. Writes both attribute flags. The elements of
+/// the field are empty until `SetParams` succeeds.
 class TELEFORM_EXPORT AastraIPPhoneInput : public IPPhoneInputXML, public AastraIPPhone {
  public:
-  /// @param title ends at its first NUL.
-  /// @param type what may be typed, in the phone's words ("IP", "string", "number", ...); written
-  /// whole, without a test.
-  /// @param password whether the phone hides what is typed.
+  /// @param title used up to its first NUL.
+  /// @param type the input type as the phone names it ("IP", "string", "number", ...); written in
+  /// full without validation.
+  /// @param password whether the phone hides the input.
   AastraIPPhoneInput(const std::string& title, const std::string& type, bool password);
   ~AastraIPPhoneInput() override;
 

@@ -9,22 +9,22 @@
 #include <string>
 #include <vector>
 
-/// A prompt and the URI that it leads to; both are written whole.
+/// A prompt and its target URI, both written in full.
 class TELEFORM_EXPORT AastraIPPhoneMenuItem {
  public:
-  /// Copies both strings whole.
+  /// Copies both strings in full, NULs included.
   AastraIPPhoneMenuItem(const std::string& prompt, const std::string& uri);
   virtual ~AastraIPPhoneMenuItem();
   AastraIPPhoneMenuItem(const AastraIPPhoneMenuItem&) = delete;
   AastraIPPhoneMenuItem& operator=(const AastraIPPhoneMenuItem&) = delete;
 
-  /// Appends the item's `MenuItem` element, as `IPPhoneXML::Render` appends a document.
+  /// Appends the item as a `MenuItem` element, with the guarantees of `IPPhoneXML::Render`.
   void Render(std::string& out);
 
-  /// The text of the item, whole; it stays the item's.
+  /// The full text of the item. The item owns the string.
   const std::string& GetPrompt() const noexcept { return prompt; }
 
-  /// Where the item leads, whole; it stays the item's.
+  /// The full target URI. The item owns the string.
   const std::string& GetURI() const noexcept { return URI; }
 
  private:
@@ -32,11 +32,11 @@ class TELEFORM_EXPORT AastraIPPhoneMenuItem {
   std::string URI;
 };
 
-/// A title, items up to a limit and soft keys; writes both attribute flags.
+/// A title, a limited number of items, and soft keys. Writes both attribute flags.
 class TELEFORM_EXPORT AastraIPPhoneMenu : public IPPhoneMenuXML, public AastraIPPhone {
  public:
-  /// @param title ends at its first NUL.
-  /// @param maxItems the most items that the menu takes; with 0 and less it takes none.
+  /// @param title used up to its first NUL.
+  /// @param maxItems the maximum number of items; 0 or less rejects every item.
   AastraIPPhoneMenu(const std::string& title, int maxItems);
   ~AastraIPPhoneMenu() override;
 
@@ -44,7 +44,7 @@ class TELEFORM_EXPORT AastraIPPhoneMenu : public IPPhoneMenuXML, public AastraIP
   bool AppendItem(const std::string& prompt, const std::string& uri) override;
 
   /// @name Page links
-  /// Stored, not written: an Aastra menu has no place for them.
+  /// Stored but not written: an Aastra menu has no page links.
   /// @{
   void SetPreviousURI(const std::string& uri) override;
   void SetNextURI(const std::string& uri) override;

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// The actions that an Aastra phone has built in.
+/// The built-in actions of an Aastra phone.
 enum AastraSoftKeyCommands : int {
   AASTRA_SK_SELECT = 0,
   AASTRA_SK_EXIT = 1,
@@ -19,28 +19,29 @@ enum AastraSoftKeyCommands : int {
   AASTRA_SK_CHANGEMODE = 7,
 };
 
-/// One soft key: its position on the phone, its label and the URI that it runs.
-/// Only `AastraIPPhone::AddSoftKey` makes one.
+/// A soft key: its position on the phone, its label and the URI that it executes.
+/// Only `AastraIPPhone::AddSoftKey` creates soft keys.
 class TELEFORM_EXPORT AastraSoftKey {
  public:
-  /// @name A key is a value
+  /// @name Copying and moving
+  /// A moved-from key is valid, with unspecified strings.
   /// @{
   AastraSoftKey(const AastraSoftKey& other);                 ///< Copies the strings.
-  AastraSoftKey(AastraSoftKey&& other) noexcept;             ///< Leaves `other` with any strings.
+  AastraSoftKey(AastraSoftKey&& other) noexcept;             ///< Moves the strings.
   AastraSoftKey& operator=(const AastraSoftKey& other);      ///< Copies the strings.
-  AastraSoftKey& operator=(AastraSoftKey&& other) noexcept;  ///< Leaves `other` with any strings.
+  AastraSoftKey& operator=(AastraSoftKey&& other) noexcept;  ///< Moves the strings.
   /// @}
   virtual ~AastraSoftKey();
 
-  /// Appends the key's `SoftKey` element, as `IPPhoneXML::Render` appends a document.
+  /// Appends the key as a `SoftKey` element, with the guarantees of `IPPhoneXML::Render`.
   void Render(std::string& out);
 
   /// The position, 1 to 6.
   int GetIndex() const noexcept { return index; }
-  /// The text on the key, whole; it stays the key's.
+  /// The full label. The key owns the string.
   const std::string& GetLabel() const noexcept { return label; }
 
-  /// What the key runs, whole; it stays the key's.
+  /// The full URI. The key owns the string.
   const std::string& GetURI() const noexcept { return URI; }
 
  private:
@@ -52,8 +53,8 @@ class TELEFORM_EXPORT AastraSoftKey {
   std::string URI;
 };
 
-/// The soft keys of an Aastra document, which writes them in the order in which they were added,
-/// just before its closing element.
+/// The soft keys of an Aastra document. The document writes them in insertion order, immediately
+/// before its closing tag.
 class TELEFORM_EXPORT AastraIPPhone {
  public:
   AastraIPPhone();
@@ -61,18 +62,19 @@ class TELEFORM_EXPORT AastraIPPhone {
   AastraIPPhone(const AastraIPPhone&) = delete;
   AastraIPPhone& operator=(const AastraIPPhone&) = delete;
 
-  /// Adds a key behind those that are there, also when one of them has the same position.
+  /// Adds a key at the end. Several keys may have the same position.
   /// @param index the position, 1 to 6.
-  /// @param label ends at its NUL; null is the empty label.
-  /// @param command an unknown value counts as `AASTRA_SK_SELECT`.
-  /// @return false, and nothing is added, when `index` is not a position.
-  /// @throws std::bad_alloc when memory runs out; nothing is added.
+  /// @param label a NUL-terminated string; null means the empty label.
+  /// @param command the action; an unknown value is treated as `AASTRA_SK_SELECT`.
+  /// @return false if `index` is out of range; no key is added.
+  /// @throws std::bad_alloc when memory runs out; no key is added.
   bool AddSoftKey(int index, const char* label, AastraSoftKeyCommands command);
 
-  /// The same with a URI of the caller's; it ends at its NUL, and null is the empty URI. That is
-  /// also what a literal 0 is: `AASTRA_SK_SELECT` must be given by its name.
+  /// Adds a key that executes `uri`, a NUL-terminated string; null means the empty URI. Otherwise
+  /// like the overload above. A literal 0 selects this overload as a null pointer, so
+  /// `AASTRA_SK_SELECT` must be passed by name.
   bool AddSoftKey(int index, const char* label, const char* uri);
 
  protected:
-  std::vector<AastraSoftKey> softKeys;  ///< The keys in the order in which they were added.
+  std::vector<AastraSoftKey> softKeys;  ///< The keys in insertion order.
 };

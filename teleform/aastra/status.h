@@ -7,15 +7,15 @@
 
 #include <string>
 
-/// A status message and soft keys; of the attribute flags it writes the beep alone. Its title is
-/// empty and not written. Before the first `SetMessage` it is a plain message with index 0, whose
-/// session and text are empty.
+/// A status message and soft keys. Of the attribute flags it writes only the beep. The title is
+/// empty and not written. Before the first `SetMessage` the document is a normal message with index
+/// 0, an empty session and an empty text.
 class TELEFORM_EXPORT AastraIPPhoneStatus : public IPPhoneStatusXML, public AastraIPPhone {
  public:
   AastraIPPhoneStatus();
   ~AastraIPPhoneStatus() override;
 
-  /// Numbers are written as `NumberToString` writes them.
+  /// Numbers are formatted by `NumberToString`.
   void Render(std::string& out) override;
   void SetMessage(const std::string& session, const std::string& message, int index, MsgType type,
                   int timeout) override;

@@ -7,16 +7,16 @@
 
 #include <string>
 
-/// A title, one block of text and soft keys; writes both attribute flags.
+/// A title, one block of text, and soft keys. Writes both attribute flags.
 class TELEFORM_EXPORT AastraIPPhoneTextScreen : public IPPhoneTextScreenXML, public AastraIPPhone {
  public:
-  /// @param title ends at its first NUL.
+  /// @param title used up to its first NUL.
   explicit AastraIPPhoneTextScreen(const std::string& title);
   ~AastraIPPhoneTextScreen() override;
 
   void Render(std::string& out) override;
 
-  /// Replaces the text. It is stored whole and written up to its first NUL.
+  /// Replaces the text. It is stored in full and written up to its first NUL.
   void SetText(const std::string& text) override;
 
  private:

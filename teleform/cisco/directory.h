@@ -7,10 +7,10 @@
 
 #include <string>
 
-/// An entry that is written as a `DirectoryEntry` element, both fields whole.
+/// An entry, written as a `DirectoryEntry` element with both fields in full.
 class TELEFORM_EXPORT CiscoIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
  public:
-  /// Copies both strings whole.
+  /// Copies both strings in full, NULs included.
   CiscoIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   /// Copies both strings.
   CiscoIPPhoneDirectoryEntry(const CiscoIPPhoneDirectoryEntry& other) = default;
@@ -20,11 +20,11 @@ class TELEFORM_EXPORT CiscoIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry 
   void Render(std::string& out) override;
 };
 
-/// A title, entries up to a limit, and links to the pages before and after.
+/// A title, a limited number of entries, and links to the previous and next page.
 class TELEFORM_EXPORT CiscoIPPhoneDirectory : public IPPhoneDirectoryXML {
  public:
-  /// @param title ends at its NUL; null is the empty title.
-  /// @param maxItems the most entries that the directory takes; with 0 and less it takes none.
+  /// @param title a NUL-terminated string; null means the empty title.
+  /// @param maxItems the maximum number of entries; 0 or less rejects every entry.
   CiscoIPPhoneDirectory(const char* title, int maxItems);
   ~CiscoIPPhoneDirectory() override;
 
@@ -32,7 +32,7 @@ class TELEFORM_EXPORT CiscoIPPhoneDirectory : public IPPhoneDirectoryXML {
   bool AppendEntry(const std::string& name, const std::string& telephone) override;
 
   /// @name Page links
-  /// Written whole, as attributes; an empty URI takes its attribute away again.
+  /// Written in full as attributes of the root element. An empty URI removes its attribute.
   /// @{
   void SetPreviousURI(const std::string& uri) override;
   void SetNextURI(const std::string& uri) override;

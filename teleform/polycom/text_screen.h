@@ -6,17 +6,17 @@
 
 #include <string>
 
-/// A title and one block of text, written as an HTML page; its content type is "text/html". Markup
-/// in either reaches the phone as it is.
+/// A title and one block of text, written as an HTML page with the content type "text/html". Markup
+/// in the title and the text is not escaped.
 class TELEFORM_EXPORT PolycomIPPhoneTextScreen : public IPPhoneTextScreenXML {
  public:
-  /// @param title ends at its first NUL.
+  /// @param title used up to its first NUL.
   explicit PolycomIPPhoneTextScreen(const std::string& title);
   ~PolycomIPPhoneTextScreen() override;
 
   void Render(std::string& out) override;
 
-  /// Replaces the text, which is written whole.
+  /// Replaces the text, which is written in full.
   void SetText(const std::string& text) override;
 
  private:

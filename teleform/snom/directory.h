@@ -8,10 +8,10 @@
 
 #include <string>
 
-/// An entry that is written as a `DirectoryEntry` element, both fields whole.
+/// An entry, written as a `DirectoryEntry` element with both fields in full.
 class TELEFORM_EXPORT SnomIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
  public:
-  /// Copies both strings whole.
+  /// Copies both strings in full, NULs included.
   SnomIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   /// Copies both strings.
   SnomIPPhoneDirectoryEntry(const SnomIPPhoneDirectoryEntry& other) = default;
@@ -21,11 +21,11 @@ class TELEFORM_EXPORT SnomIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
   void Render(std::string& out) override;
 };
 
-/// A title, entries and soft keys.
+/// A title, entries, and soft keys.
 class TELEFORM_EXPORT SnomIPPhoneDirectory : public IPPhoneDirectoryXML, public SnomIPPhone {
  public:
-  /// @param title ends at its NUL; null is the empty title.
-  /// @param maxItems stored, not enforced.
+  /// @param title a NUL-terminated string; null means the empty title.
+  /// @param maxItems stored but not enforced.
   SnomIPPhoneDirectory(const char* title, int maxItems);
   ~SnomIPPhoneDirectory() override;
 

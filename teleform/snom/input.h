@@ -7,13 +7,14 @@
 
 #include <string>
 
-/// A form for one value, with soft keys. It can be rendered before `SetParams` has succeeded: its
-/// elements are then empty. The prompt is written twice, above the form and beside the value.
+/// A form with one input field, and soft keys. The elements of the field are empty until
+/// `SetParams` succeeds. The prompt is written twice, as the heading of the form and as the label
+/// of the field.
 class TELEFORM_EXPORT SnomIPPhoneInput : public IPPhoneInputXML, public SnomIPPhone {
  public:
-  /// @param title ends at its first NUL.
-  /// @param inputFlags what may be typed, in the phone's letters ("a" text, "n" number, "t"
-  /// telephone number, "p" password, ...); written whole, without a test.
+  /// @param title used up to its first NUL.
+  /// @param inputFlags the input type as the phone names it ("a" text, "n" number, "t" telephone
+  /// number, "p" password, ...); written in full without validation.
   SnomIPPhoneInput(const std::string& title, const std::string& inputFlags);
   ~SnomIPPhoneInput() override;
 

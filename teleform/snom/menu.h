@@ -9,22 +9,23 @@
 #include <string>
 #include <vector>
 
-/// A prompt and the URI that it leads to; both are written whole.
+/// A prompt and its target URI, both written in full.
 class TELEFORM_EXPORT SnomIPPhoneMenuItem {
  public:
-  /// Copies both strings whole.
+  /// Copies both strings in full, NULs included.
   SnomIPPhoneMenuItem(const std::string& prompt, const std::string& uri);
   virtual ~SnomIPPhoneMenuItem();
   SnomIPPhoneMenuItem(const SnomIPPhoneMenuItem&) = delete;
   SnomIPPhoneMenuItem& operator=(const SnomIPPhoneMenuItem&) = delete;
 
-  /// Appends the item's `DirectoryEntry` element, as `IPPhoneXML::Render` appends a document.
+  /// Appends the item as a `DirectoryEntry` element, with the guarantees of
+  /// `IPPhoneXML::Render`.
   void Render(std::string& out);
 
-  /// The text of the item, whole; it stays the item's.
+  /// The full text of the item. The item owns the string.
   const std::string& GetPrompt() const noexcept { return prompt; }
 
-  /// Where the item leads, whole; it stays the item's.
+  /// The full target URI. The item owns the string.
   const std::string& GetURI() const noexcept { return URI; }
 
  private:
@@ -32,12 +33,12 @@ class TELEFORM_EXPORT SnomIPPhoneMenuItem {
   std::string URI;
 };
 
-/// A title, items and soft keys. Snom phones know no menu of their own: it is written as a
-/// directory whose names are the prompts and whose telephones are the URIs.
+/// A title, items, and soft keys. Snom phones have no menu element. The menu is written as a
+/// directory, with prompts as names and URIs as telephones.
 class TELEFORM_EXPORT SnomIPPhoneMenu : public IPPhoneMenuXML, public SnomIPPhone {
  public:
-  /// @param title ends at its NUL; null is the empty title.
-  /// @param maxItems stored, not enforced.
+  /// @param title a NUL-terminated string; null means the empty title.
+  /// @param maxItems stored but not enforced.
   SnomIPPhoneMenu(const char* title, int maxItems);
   ~SnomIPPhoneMenu() override;
 

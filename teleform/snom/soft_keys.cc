@@ -70,7 +70,7 @@ SnomIPPhone::SnomIPPhone() = default;
 SnomIPPhone::~SnomIPPhone() = default;
 
 bool SnomIPPhone::AddSoftKey(SnomSoftKeyCommands command, const char* text) {
-  const auto row = static_cast<std::size_t>(command);
-  softKeys.push_back(SnomSoftKey(row < kSnomKeyNames.size() ? kSnomKeyNames[row] : "", text));
+  const auto index = static_cast<std::size_t>(command);
+  softKeys.push_back(SnomSoftKey(index < kSnomKeyNames.size() ? kSnomKeyNames[index] : "", text));
   return true;
 }

@@ -7,16 +7,16 @@
 
 #include <string>
 
-/// A title, one block of text and soft keys.
+/// A title, one block of text, and soft keys.
 class TELEFORM_EXPORT SnomIPPhoneTextScreen : public IPPhoneTextScreenXML, public SnomIPPhone {
  public:
-  /// @param title ends at its first NUL.
+  /// @param title used up to its first NUL.
   explicit SnomIPPhoneTextScreen(const std::string& title);
   ~SnomIPPhoneTextScreen() override;
 
   void Render(std::string& out) override;
 
-  /// Replaces the text, which is written whole.
+  /// Replaces the text, which is written in full.
   void SetText(const std::string& text) override;
 
  private:

@@ -72,8 +72,8 @@ YealinkIPPhone::YealinkIPPhone() = default;
 YealinkIPPhone::~YealinkIPPhone() = default;
 
 bool YealinkIPPhone::AddSoftKey(YealinkSoftKeyCommands command, const char* text) {
-  const auto row = static_cast<std::size_t>(command);
+  const auto index = static_cast<std::size_t>(command);
   softKeys.push_back(
-      YealinkSoftKey(row < kYealinkKeyNames.size() ? kYealinkKeyNames[row] : "", text));
+      YealinkSoftKey(index < kYealinkKeyNames.size() ? kYealinkKeyNames[index] : "", text));
   return true;
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// The keys that a Yealink phone has. The digits run downwards from 9, after 0.
+/// The keys of a Yealink phone. The digits are 0, then 9 down to 1.
 enum YealinkSoftKeyCommands : int {
   YEALINK_SK_CANCEL = 0,
   YEALINK_SK_ENTER = 1,
@@ -48,27 +48,28 @@ enum YealinkSoftKeyCommands : int {
   YEALINK_SK_STAR = 36,
 };
 
-/// One soft key: the name of the phone's key and the URL that it loads.
+/// A soft key: the name of the phone's key and the URL that it loads.
 class TELEFORM_EXPORT YealinkSoftKey {
  public:
   /// A key with an empty name and an empty URL.
   YealinkSoftKey();
-  /// @name A key is a value
+  /// @name Copying and moving
+  /// A moved-from key is valid, with unspecified strings.
   /// @{
   YealinkSoftKey(const YealinkSoftKey& other);                 ///< Copies the strings.
-  YealinkSoftKey(YealinkSoftKey&& other) noexcept;             ///< Leaves `other` with any strings.
+  YealinkSoftKey(YealinkSoftKey&& other) noexcept;             ///< Moves the strings.
   YealinkSoftKey& operator=(const YealinkSoftKey& other);      ///< Copies the strings.
-  YealinkSoftKey& operator=(YealinkSoftKey&& other) noexcept;  ///< Leaves `other` with any strings.
+  YealinkSoftKey& operator=(YealinkSoftKey&& other) noexcept;  ///< Moves the strings.
   /// @}
   virtual ~YealinkSoftKey();
 
-  /// Appends the key's `SoftKeyItem` element, as `IPPhoneXML::Render` appends a document.
+  /// Appends the key as a `SoftKeyItem` element, with the guarantees of `IPPhoneXML::Render`.
   void Render(std::string& out);
 
-  /// The name of the phone's key; it stays the key's.
+  /// The name of the phone's key. The soft key owns the string.
   const std::string& GetName() const noexcept { return name; }
 
-  /// What the key loads; it stays the key's.
+  /// The URL that the key loads. The soft key owns the string.
   const std::string& GetURL() const noexcept { return URL; }
 
  private:
@@ -79,8 +80,8 @@ class TELEFORM_EXPORT YealinkSoftKey {
   std::string URL;
 };
 
-/// The soft keys of a Yealink document, which writes them in the order in which they were added,
-/// just before its closing element.
+/// The soft keys of a Yealink document. The document writes them in insertion order, immediately
+/// before its closing tag.
 class TELEFORM_EXPORT YealinkIPPhone {
  public:
   YealinkIPPhone();
@@ -88,13 +89,13 @@ class TELEFORM_EXPORT YealinkIPPhone {
   YealinkIPPhone(const YealinkIPPhone&) = delete;
   YealinkIPPhone& operator=(const YealinkIPPhone&) = delete;
 
-  /// Adds a key behind those that are there, also when one of them has the same command.
-  /// @param command an unknown value gives a key with an empty name.
-  /// @param text the key's URL; it ends at its NUL, and null is the empty URL.
-  /// @return true: nothing is refused.
-  /// @throws std::bad_alloc when memory runs out; nothing is added.
+  /// Adds a key at the end. Several keys may have the same command.
+  /// @param command the phone's key; an unknown value adds a key with an empty name.
+  /// @param text the URL, a NUL-terminated string; null means the empty URL.
+  /// @return always true.
+  /// @throws std::bad_alloc when memory runs out; no key is added.
   bool AddSoftKey(YealinkSoftKeyCommands command, const char* text);
 
  protected:
-  std::vector<YealinkSoftKey> softKeys;  ///< The keys in the order in which they were added.
+  std::vector<YealinkSoftKey> softKeys;  ///< The keys in insertion order.
 };

@@ -6,16 +6,16 @@
 
 #include <string>
 
-/// A title and one block of text. It has no soft keys, unlike the other Yealink documents.
+/// A title and one block of text. Unlike the other Yealink documents it has no soft keys.
 class TELEFORM_EXPORT YealinkIPPhoneTextScreen : public IPPhoneTextScreenXML {
  public:
-  /// @param title ends at its first NUL.
+  /// @param title used up to its first NUL.
   explicit YealinkIPPhoneTextScreen(const std::string& title);
   ~YealinkIPPhoneTextScreen() override;
 
   void Render(std::string& out) override;
 
-  /// Replaces the text, which is written whole.
+  /// Replaces the text, which is written in full.
   void SetText(const std::string& text) override;
 
  private:
