@@ -1,4 +1,4 @@
-// Feeds bytes to what the tests feed chance to: a document with its operations, or names to sort.
+// Runs the randomized tests of documents and sorting on fuzzer input.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cstdint>
@@ -8,13 +8,13 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   FuzzedDataProvider input(data, size);
-  const auto choose = [&](unsigned end) { return input.ConsumeIntegralInRange(0U, end - 1); };
+  const auto randomBelow = [&](unsigned end) { return input.ConsumeIntegralInRange(0U, end - 1); };
   const auto documents = static_cast<unsigned>(kDocumentClasses.size());
-  const unsigned chosen = choose(documents + 1);
-  if (chosen < documents) {
-    CompareWithModel(kDocumentClasses[chosen], choose);
+  const unsigned target = randomBelow(documents + 1);
+  if (target < documents) {
+    CompareWithModel(kDocumentClasses[target], randomBelow);
   } else {
-    CheckSorting(ChooseNames(choose));
+    VerifySorting(RandomNames(randomBelow));
   }
   return 0;
 }

@@ -4,20 +4,20 @@
 #include <new>
 
 namespace {
-thread_local Allocations watched;
+thread_local Allocations allocations;
 }
 
-Allocations& Allocations::Watch(std::size_t failAt) {
-  watched = {0, watched.alive, failAt};
-  return watched;
+Allocations& Allocations::StartCounting(std::size_t failAt) {
+  allocations = {0, allocations.live, failAt};
+  return allocations;
 }
 
 void* operator new(std::size_t size) {
-  ++watched.made;
-  if (watched.failAt != 0 && watched.made >= watched.failAt) throw std::bad_alloc();
+  ++allocations.count;
+  if (allocations.failAt != 0 && allocations.count >= allocations.failAt) throw std::bad_alloc();
   void* const memory = std::malloc(size);
   if (memory == nullptr) throw std::bad_alloc();
-  ++watched.alive;
+  ++allocations.live;
   return memory;
 }
 
@@ -31,7 +31,7 @@ void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
 
 void operator delete(void* memory) noexcept {
   if (memory == nullptr) return;
-  --watched.alive;
+  --allocations.live;
   std::free(memory);
 }
 

@@ -1,13 +1,13 @@
-// Counts and, on demand, fails the allocations of the thread that asks.
+// Counts the allocations of the current thread and can make them fail.
 #pragma once
 
 #include <cstddef>
 
 struct Allocations {
-  std::size_t made = 0;    // since the counting began
-  long alive = 0;          // made and not yet freed
-  std::size_t failAt = 0;  // this one, counted from 1, and all after it fail; 0: none
+  std::size_t count = 0;   // since StartCounting
+  long live = 0;           // allocated and not yet freed
+  std::size_t failAt = 0;  // the first allocation to fail, counted from 1; 0: none fails
 
-  // Starts counting anew.
-  static Allocations& Watch(std::size_t failAt = 0);
+  // Resets `count` and `failAt`, but not `live`.
+  static Allocations& StartCounting(std::size_t failAt = 0);
 };

@@ -1,4 +1,4 @@
-// Entries and their orders, the directory base, and numbers.
+// Directory entries, sorting, the document kinds and number formatting.
 #include <gtest/gtest.h>
 #include <teleform/teleform.h>
 
@@ -61,7 +61,7 @@ TEST(DirectoryEntry, IsCopiedAndPrinted) {
   EXPECT_EQ(out, "kept");
 }
 
-TEST(Kinds, DoNothingUnlessAMakerSaysSo) {
+TEST(Kinds, IgnorePageLinksAndEntriesByDefault) {
   struct PlainMenu : IPPhoneMenuXML {
     PlainMenu() : IPPhoneMenuXML(nullptr, 7) {}
     void Render(std::string& /*out*/) override {}
@@ -73,88 +73,87 @@ TEST(Kinds, DoNothingUnlessAMakerSaysSo) {
   menu.SetPreviousURI("p");
   menu.SetNextURI("n");
   EXPECT_TRUE(menu.GetTitle().empty());
-  OpenDirectory directory;
+  ExposedDirectory directory;
   directory.SetPreviousURI("p");
   directory.SetNextURI("n");
   EXPECT_FALSE(directory.AppendEntry("name", "1"));
   EXPECT_TRUE(directory.entries.empty());
 }
 
-// An entry of a class that no maker has.
-struct OwnEntry : IPPhoneDirectoryEntry {
-  OwnEntry(const std::string& text, std::string& theDeleted)
-      : IPPhoneDirectoryEntry(text, ""), deleted(theDeleted) {}
-  ~OwnEntry() override { deleted += name; }
+// An entry with a custom format.
+struct CustomEntry : IPPhoneDirectoryEntry {
+  CustomEntry(const std::string& text, std::string& theDeletedNames)
+      : IPPhoneDirectoryEntry(text, ""), deletedNames(theDeletedNames) {}
+  ~CustomEntry() override { deletedNames += name; }
   void Render(std::string& out) override { (out += name) += name; }
-  std::string& deleted;
+  std::string& deletedNames;
 };
 
-TEST(Directory, DeletesItsEntriesFromTheFirstToTheLast) {
-  std::string deleted;
+TEST(Directory, DeletesEntriesFromFirstToLast) {
+  std::string deletedNames;
   {
-    OpenDirectory directory;
+    ExposedDirectory directory;
     for (const char* name : {"1", "2", "3"}) {
-      directory.entries.push_back(std::make_unique<OwnEntry>(name, deleted));
+      directory.entries.push_back(std::make_unique<CustomEntry>(name, deletedNames));
     }
   }
-  EXPECT_EQ(deleted, "123");
+  EXPECT_EQ(deletedNames, "123");
 }
 
-// A maker's directory whose entries are written by a class that the maker does not have, and which
-// takes more room than the directory makes.
-TEST(Directory, StaysWholeWithEntriesOfAnotherClass) {
-  struct OwnDirectory : CiscoIPPhoneDirectory {
-    OwnDirectory() : CiscoIPPhoneDirectory("Own", 9) {}
+// The entries write more than the directory has reserved for them.
+TEST(Directory, RendersLongerEntriesOfAnotherClassOrNothing) {
+  struct CustomDirectory : CiscoIPPhoneDirectory {
+    CustomDirectory() : CiscoIPPhoneDirectory("Own", 9) {}
     using CiscoIPPhoneDirectory::entries;
   };
-  std::string deleted;
+  std::string deletedNames;
   const std::string longText = "<!--" + std::string(10000, '-') + "-->";
-  OwnDirectory directory;
-  directory.entries.push_back(std::make_unique<OwnEntry>(longText, deleted));
+  CustomDirectory directory;
+  directory.entries.push_back(std::make_unique<CustomEntry>(longText, deletedNames));
   directory.entries.push_back(std::make_unique<IPPhoneDirectoryEntry>("writes nothing", "1"));
   std::string kept;
   for (std::size_t failAt = 1; failAt < 9; ++failAt) {
-    std::string out = kept = "kept, and longer than a string is without an allocation";
-    Allocations::Watch(failAt);
+    std::string out = kept = "kept content that is too long for the small string buffer";
+    Allocations::StartCounting(failAt);
     try {
       directory.Render(out);
-      Allocations::Watch();
+      Allocations::StartCounting();
       EXPECT_EQ(out, kept + "<CiscoIPPhoneDirectory>\n<Title>Own</Title>\n" + longText + longText +
                          "</CiscoIPPhoneDirectory>\n");
       return;
     } catch (const std::bad_alloc&) {
-      Allocations::Watch();
+      Allocations::StartCounting();
       EXPECT_EQ(out, kept);
     }
   }
-  FAIL() << "it never has enough memory";
+  FAIL() << "rendering takes more than 8 allocations";
 }
 
 TEST(SortDirectoryItems, PutsPrefixesFirstAndKeepsEqualNamesInOrder) {
   const std::string nul(1, '\0');
-  std::vector<std::string> chain;  // every name begins with all that are shorter
-  for (std::size_t size = 900; size-- > 0;) chain.emplace_back(size % 600, 'a');
+  std::vector<std::string> prefixes;  // every name is a prefix of all longer ones
+  for (std::size_t size = 900; size-- > 0;) prefixes.emplace_back(size % 600, 'a');
   for (const auto& names : std::vector<std::vector<std::string>>{
            {},
            {"A", "Anz", "An", "Ann"},
            {"same name", "same name", "same", "same name", ""},
            {"seven77" + nul, "seven77", "seven7", "seven77" + nul + nul, "seven7" + nul, nul},
-           chain,
+           prefixes,
            std::vector<std::string>(100, std::string(10000, 'x'))}) {
-    EXPECT_NO_THROW(CheckSorting(names));
+    EXPECT_NO_THROW(VerifySorting(names));
   }
 }
 
 TEST(SortDirectoryItems, SortsAnyNames) {
   const auto seed = std::random_device{}();
-  std::mt19937 random(seed);
+  std::mt19937 generator(seed);
   for (int round = 0; round < 300; ++round) {
-    const auto names = ChooseNames([&](unsigned end) { return unsigned(random() % end); });
-    ASSERT_NO_THROW(CheckSorting(names)) << "seed " << seed << ", round " << round;
+    const auto names = RandomNames([&](unsigned end) { return unsigned(generator() % end); });
+    ASSERT_NO_THROW(VerifySorting(names)) << "seed " << seed << ", round " << round;
   }
 }
 
-TEST(NumberToString, WritesWhatAStreamWrites) {
+TEST(NumberToString, FormatsLikeAStream) {
   EXPECT_EQ(NumberToString(0), "0");
   EXPECT_EQ(NumberToString(-2147483647 - 1), "-2147483648");
   EXPECT_EQ(NumberToString(2147483647), "2147483647");
@@ -174,10 +173,11 @@ TEST(NumberToString, FollowsTheGlobalLocale) {
   const std::locale before = std::locale::global(std::locale(std::locale(), new Grouping));
   AastraIPPhoneStatus status;
   status.SetMessage("s", "m", -1234567, IPPhoneStatusXML::MsgTypeAlert, 1000);
-  const std::string out = Rendered(status);
+  const std::string out = RenderToString(status);
   std::locale::global(before);
   EXPECT_NE(out.find(R"(<Message index="-1.234.567" type="alert" Timeout="1.000">)"), out.npos);
-  EXPECT_NE(Rendered(status).find(R"(index="-1234567" type="alert" Timeout="1000")"), out.npos);
+  EXPECT_NE(RenderToString(status).find(R"(index="-1234567" type="alert" Timeout="1000")"),
+            out.npos);
 }
 
 }  // namespace

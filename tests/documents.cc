@@ -17,14 +17,15 @@ std::unique_ptr<IPPhoneXML> Make(const Parameter&... parameter) {
 }
 
 template <typename Document>
-std::unique_ptr<IPPhoneXML> MakeScreen(const Construction& with) {
-  return Make<Document>(with.title);
+std::unique_ptr<IPPhoneXML> MakeScreen(const ConstructorArguments& arguments) {
+  return Make<Document>(arguments.title);
 }
 
-// Of a list whose title is a C string, for which null is the empty one.
+// For classes whose title is a C string. Passes an empty title as null.
 template <typename Document>
-std::unique_ptr<IPPhoneXML> MakeList(const Construction& with) {
-  return Make<Document>(with.title.empty() ? nullptr : with.title.c_str(), with.maxItems);
+std::unique_ptr<IPPhoneXML> MakeList(const ConstructorArguments& arguments) {
+  return Make<Document>(arguments.title.empty() ? nullptr : arguments.title.c_str(),
+                        arguments.maxItems);
 }
 
 constexpr const char* kMenuItem = R"(<MenuItem>
@@ -62,7 +63,9 @@ const std::vector<DocumentClass> kDocumentClasses = {
 {elements}{keys}</AastraIPPhoneTextMenu>
 )",
      kMenuItem, true,
-     [](const Construction& with) { return Make<AastraIPPhoneMenu>(with.title, with.maxItems); }},
+     [](const ConstructorArguments& arguments) {
+       return Make<AastraIPPhoneMenu>(arguments.title, arguments.maxItems);
+     }},
     {"AastraIPPhoneDirectory",
      R"(<AastraIPPhoneDirectory{previous}{next}{destroyOnExit}{beep}>
 <Title>{title}</Title>
@@ -79,8 +82,8 @@ const std::vector<DocumentClass> kDocumentClasses = {
 {keys}</AastraIPPhoneInputScreen>
 )",
      "", false,
-     [](const Construction& with) {
-       return Make<AastraIPPhoneInput>(with.title, with.type, with.isPassword);
+     [](const ConstructorArguments& arguments) {
+       return Make<AastraIPPhoneInput>(arguments.title, arguments.type, arguments.isPassword);
      }},
     {"AastraIPPhoneExecute",
      R"(<AastraIPPhoneExecute{destroyOnExit}{beep}>
@@ -95,7 +98,7 @@ const std::vector<DocumentClass> kDocumentClasses = {
 {message}</Message>
 {keys}</AastraIPPhoneStatus>
 )",
-     "", false, [](const Construction&) { return Make<AastraIPPhoneStatus>(); }},
+     "", false, [](const ConstructorArguments&) { return Make<AastraIPPhoneStatus>(); }},
     {"CiscoIPPhoneDirectory",
      R"(<CiscoIPPhoneDirectory{previous}{next}>
 <Title>{title}</Title>
@@ -135,7 +138,9 @@ const std::vector<DocumentClass> kDocumentClasses = {
 {keys}</SnomIPPhoneInput>
 )",
      "", false,
-     [](const Construction& with) { return Make<SnomIPPhoneInput>(with.title, with.type); }},
+     [](const ConstructorArguments& arguments) {
+       return Make<SnomIPPhoneInput>(arguments.title, arguments.type);
+     }},
     {"YealinkIPPhoneTextScreen",
      R"(<YealinkIPPhoneText>
 <Title>{title}</Title>
@@ -150,24 +155,24 @@ const std::vector<DocumentClass> kDocumentClasses = {
 
 namespace {
 
-// What the commands of a maker's soft keys stand for, in the order of their values.
-constexpr const char* kAastraActions =
+// The texts that soft key commands write, in the order of the enumerators.
+constexpr const char* kAastraURIs =
     "SoftKey:Select SoftKey:Exit SoftKey:Dial SoftKey:Submit SoftKey:BackSpace SoftKey:NextSpace "
     "SoftKey:Dot SoftKey:ChangeMode";
 constexpr const char* kKeyNames =
     "CANCEL ENTER ONHOOK RIGHT LEFT REDIAL SPEAKER TRANSFER CONFERENCE HELP F_MUTE F_UP F_DOWN REC "
-    "{own} DND F_MINIBROWSER_SELECT F_MINIBROWSER_EXIT F_MINIBROWSER_UPDATE F_MINIBROWSER_SEARCH "
+    "{maker} DND F_MINIBROWSER_SELECT F_MINIBROWSER_EXIT F_MINIBROWSER_UPDATE F_MINIBROWSER_SEARCH "
     "F_MINIBROWSER_CANCEL F_MINIBROWSER_BACK F_MINIBROWSER_DIAL F_MINIBROWSER_EDIT_DIAL "
     "F_MINIBROWSER_EDIT_NEXT 0 9 8 7 6 5 4 3 2 1 # *";
 
-// The word at this place, or else `otherwise`.
-std::string WordAt(int place, const std::string& words, const std::string& otherwise) {
+// The word at this index, or `fallback` if there is none.
+std::string WordAt(int index, const std::string& words, const std::string& fallback) {
   std::istringstream stream(words);
   std::string word;
   for (int i = 0; stream >> word; ++i) {
-    if (i == place) return word;
+    if (i == index) return word;
   }
-  return otherwise;
+  return fallback;
 }
 
 std::string UpToNul(const std::string& text) { return text.substr(0, text.find('\0')); }
@@ -178,37 +183,39 @@ std::string Attribute(const std::string& name, const std::string& value) {
 
 }  // namespace
 
-std::string Filled(const std::string& text, const std::map<std::string, std::string>& fields) {
-  std::string filled;
+std::string FillTemplate(const std::string& text,
+                         const std::map<std::string, std::string>& fields) {
+  std::string result;
   std::size_t begin = 0;
   for (std::size_t open; (open = text.find('{', begin)) != text.npos;) {
     const std::size_t close = text.find('}', open);
     const auto field = fields.find(text.substr(open + 1, close - open - 1));
-    filled += text.substr(begin, open - begin) + (field == fields.end() ? "" : field->second);
+    result += text.substr(begin, open - begin) + (field == fields.end() ? "" : field->second);
     begin = close + 1;
   }
-  return filled + text.substr(begin);
+  return result + text.substr(begin);
 }
 
-Model::Model(const DocumentClass& theRow, const Construction& with)
-    : row(&theRow),
-      maxItems(with.maxItems),
-      fields({{"title", UpToNul(with.title)},
-              {"type", with.type},
-              {"password", with.isPassword ? " password = \"yes\"" : ""},
+Model::Model(const DocumentClass& theClass, const ConstructorArguments& arguments)
+    : documentClass(&theClass),
+      maxItems(arguments.maxItems),
+      fields({{"title", UpToNul(arguments.title)},
+              {"type", arguments.type},
+              {"password", arguments.isPassword ? " password = \"yes\"" : ""},
               {"index", "0"}}) {}
 
-std::string Model::Text() const {
-  auto all = fields;
+std::string Model::Render() const {
+  auto values = fields;
   for (const auto& [first, second] : elements) {
-    all["elements"] += Filled(row->element, {{"first", first}, {"second", second}});
+    values["elements"] +=
+        FillTemplate(documentClass->elementTemplate, {{"first", first}, {"second", second}});
   }
-  return Filled(row->text, all);
+  return FillTemplate(documentClass->documentTemplate, values);
 }
 
 bool Model::Append(const std::string& first, const std::string& second) {
   if (first.empty() || second.empty()) return false;
-  if (row->enforcesLimit && static_cast<int>(elements.size()) >= maxItems) return false;
+  if (documentClass->enforcesLimit && static_cast<int>(elements.size()) >= maxItems) return false;
   elements.emplace_back(first, second);
   return true;
 }
@@ -231,27 +238,27 @@ bool Model::AddKeyItem(const std::string& name, const std::string& url) {
   return true;
 }
 
-Arguments ChooseArguments(const Choose& choose) {
+Arguments RandomArguments(const RandomBelow& randomBelow) {
   const auto number = [&] {
     constexpr std::array kEdges = {std::numeric_limits<int>::min(), -1, 0, 1, 9, 10, 12345,
                                    std::numeric_limits<int>::max()};
-    return kEdges[choose(kEdges.size())];
+    return kEdges[randomBelow(kEdges.size())];
   };
-  Arguments chosen;
-  for (auto& text : chosen.texts) {
-    constexpr unsigned kLongest = 40;  // from 33 bytes on texts are copied otherwise
+  Arguments arguments;
+  for (auto& text : arguments.texts) {
+    constexpr unsigned kMaxSize = 40;  // the library copies texts above 32 bytes by memcpy
     const std::string letters("a\0<&\"\xFF ", 7);
-    for (unsigned i = choose(5) == 0 ? 0 : choose(kLongest); i-- > 0;) {
-      text += letters[choose(static_cast<unsigned>(letters.size()))];
+    for (unsigned i = randomBelow(5) == 0 ? 0 : randomBelow(kMaxSize); i-- > 0;) {
+      text += letters[randomBelow(static_cast<unsigned>(letters.size()))];
     }
   }
-  chosen.command = static_cast<int>(choose(41)) - 2;
-  chosen.index = choose(4) == 0 ? number() : static_cast<int>(choose(9)) - 1;
-  chosen.timeout = number();
-  chosen.type = static_cast<int>(choose(4)) - 1;
-  chosen.flags = choose(2) == 0 ? choose(0x40) : ~0UL << choose(6);
-  chosen.isNull = choose(2) == 0;
-  return chosen;
+  arguments.command = static_cast<int>(randomBelow(41)) - 2;
+  arguments.index = randomBelow(4) == 0 ? number() : static_cast<int>(randomBelow(9)) - 1;
+  arguments.timeout = number();
+  arguments.type = static_cast<int>(randomBelow(4)) - 1;
+  arguments.flags = randomBelow(2) == 0 ? randomBelow(0x40) : ~0UL << randomBelow(6);
+  arguments.isNull = randomBelow(2) == 0;
+  return arguments;
 }
 
 namespace {
@@ -260,38 +267,39 @@ class OperationList {
  public:
   explicit OperationList(const IPPhoneXML& theDocument) : document(theDocument) {}
 
-  // Adds an operation if the document is of this kind.
+  // Adds an operation if the document is a `Kind`.
   template <typename Kind, typename Apply, typename Expect>
   void Add(const char* name, Apply apply, Expect expect) {
     if (dynamic_cast<const Kind*>(&document) == nullptr) return;
-    all.push_back({name, [apply](IPPhoneXML& on) { return Result(apply, dynamic_cast<Kind&>(on)); },
-                   [expect](Model& on) { return Result(expect, on); }});
+    operations.push_back(
+        {name, [apply](IPPhoneXML& target) { return Result(apply, dynamic_cast<Kind&>(target)); },
+         [expect](Model& model) { return Result(expect, model); }});
   }
 
-  // What menus and directories have in common.
+  // Adds the operations that menus and directories share.
   template <typename List, typename Append>
-  void AddList(const std::string& first, const std::string& second, Append append) {
+  void AddListOperations(const std::string& first, const std::string& second, Append append) {
     Add<List>(
-        "append", [=](auto& on) { return append(on, first, second); },
-        [=](Model& on) { return on.Append(first, second); });
+        "append", [=](auto& target) { return append(target, first, second); },
+        [=](Model& model) { return model.Append(first, second); });
     Add<List>(
-        "SetPreviousURI", [=](auto& on) { on.SetPreviousURI(first); },
-        [=](Model& on) { on.Set("previous", Attribute("previous", first)); });
+        "SetPreviousURI", [=](auto& target) { target.SetPreviousURI(first); },
+        [=](Model& model) { model.Set("previous", Attribute("previous", first)); });
     Add<List>(
-        "SetNextURI", [=](auto& on) { on.SetNextURI(first); },
-        [=](Model& on) { on.Set("next", Attribute("next", first)); });
+        "SetNextURI", [=](auto& target) { target.SetNextURI(first); },
+        [=](Model& model) { model.Set("next", Attribute("next", first)); });
   }
 
-  std::vector<Operation> all;
+  std::vector<Operation> operations;
 
  private:
-  template <typename Call, typename On>
-  static bool Result(const Call& call, On& on) {
-    if constexpr (std::is_void_v<decltype(call(on))>) {
-      call(on);
+  template <typename Call, typename Target>
+  static bool Result(const Call& call, Target& target) {
+    if constexpr (std::is_void_v<decltype(call(target))>) {
+      call(target);
       return true;
     } else {
-      return call(on);
+      return call(target);
     }
   }
 
@@ -300,130 +308,140 @@ class OperationList {
 
 }  // namespace
 
-std::vector<Operation> OperationsOn(IPPhoneXML& document, const Arguments& a) {
-  const std::string first = a.texts[0], second = a.texts[1], third = a.texts[2],
-                    fourth = a.texts[3];
-  const auto asC = [isNull = a.isNull](const std::string& text) {
+std::vector<Operation> OperationsOn(IPPhoneXML& document, const Arguments& arguments) {
+  const std::string first = arguments.texts[0], second = arguments.texts[1],
+                    third = arguments.texts[2], fourth = arguments.texts[3];
+  const auto toCString = [isNull = arguments.isNull](const std::string& text) {
     return isNull && text.empty() ? nullptr : text.c_str();
   };
   OperationList list(document);
   list.Add<IPPhoneXML>(
-      "SetAttributes", [=](auto& on) { on.SetAttributes(a.flags); },
-      [=](Model& on) {
-        on.Set("destroyOnExit", a.flags % 2 == 1 ? " destroyOnExit = \"yes\"" : "");
-        on.Set("beep", a.flags / 16 % 2 == 1 ? " Beep = \"yes\"" : "");
+      "SetAttributes", [=](auto& target) { target.SetAttributes(arguments.flags); },
+      [=](Model& model) {
+        model.Set("destroyOnExit", arguments.flags % 2 == 1 ? " destroyOnExit = \"yes\"" : "");
+        model.Set("beep", arguments.flags / 16 % 2 == 1 ? " Beep = \"yes\"" : "");
       });
   list.Add<IPPhoneTextScreenXML>(
-      "SetText", [=](auto& on) { on.SetText(first); },
-      [=](Model& on) {
-        on.Set("text", first);
-        on.Set("textToNul", UpToNul(first));
+      "SetText", [=](auto& target) { target.SetText(first); },
+      [=](Model& model) {
+        model.Set("text", first);
+        model.Set("textToNul", UpToNul(first));
       });
-  list.AddList<IPPhoneMenuXML>(
-      first, second, [](auto& on, const auto&... text) { return on.AppendItem(text...); });
-  list.AddList<IPPhoneDirectoryXML>(
-      first, second, [](auto& on, const auto&... text) { return on.AppendEntry(text...); });
+  list.AddListOperations<IPPhoneMenuXML>(
+      first, second, [](auto& target, const auto&... text) { return target.AppendItem(text...); });
+  list.AddListOperations<IPPhoneDirectoryXML>(
+      first, second, [](auto& target, const auto&... text) { return target.AppendEntry(text...); });
   list.Add<IPPhoneDirectoryXML>(
-      "SortDirectoryItems", [](auto& on) { on.SortDirectoryItems(); },
-      [](Model& on) { on.Sort(); });
+      "SortDirectoryItems", [](auto& target) { target.SortDirectoryItems(); },
+      [](Model& model) { model.Sort(); });
   list.Add<IPPhoneInputXML>(
-      "SetParams", [=](auto& on) { return on.SetParams(first, second, third, fourth); },
-      [=](Model& on) {
+      "SetParams", [=](auto& target) { return target.SetParams(first, second, third, fourth); },
+      [=](Model& model) {
         if (first.empty() || second.empty() || third.empty()) return false;
-        on.Set("prompt", first);
-        on.Set("url", second);
-        on.Set("parameter", third);
-        on.Set("default", fourth);
+        model.Set("prompt", first);
+        model.Set("url", second);
+        model.Set("parameter", third);
+        model.Set("default", fourth);
         return true;
       });
   list.Add<IPPhoneStatusXML>(
       "SetMessage",
-      [=](auto& on) {
-        const auto type = static_cast<IPPhoneStatusXML::MsgType>(a.type);
-        on.SetMessage(first, second, a.index, type, a.timeout);
+      [=](auto& target) {
+        const auto type = static_cast<IPPhoneStatusXML::MsgType>(arguments.type);
+        target.SetMessage(first, second, arguments.index, type, arguments.timeout);
       },
-      [=](Model& on) {
-        const bool isAlert = a.type == 1;
-        on.Set("session", first);
-        on.Set("message", second);
-        on.Set("index", std::to_string(a.index));
-        on.Set("alert", isAlert ? Attribute("type", "alert") : "");
-        on.Set("timeout",
-               isAlert && a.timeout > 0 ? Attribute("Timeout", std::to_string(a.timeout)) : "");
+      [=](Model& model) {
+        const bool isAlert = arguments.type == 1;
+        model.Set("session", first);
+        model.Set("message", second);
+        model.Set("index", std::to_string(arguments.index));
+        model.Set("alert", isAlert ? Attribute("type", "alert") : "");
+        model.Set("timeout", isAlert && arguments.timeout > 0
+                                 ? Attribute("Timeout", std::to_string(arguments.timeout))
+                                 : "");
       });
   list.Add<AastraIPPhone>(
-      "AddSoftKey of a command",
-      [=](auto& on) {
-        return on.AddSoftKey(a.index, asC(first), static_cast<AastraSoftKeyCommands>(a.command));
+      "AddSoftKey with a command",
+      [=](auto& target) {
+        return target.AddSoftKey(arguments.index, toCString(first),
+                                 static_cast<AastraSoftKeyCommands>(arguments.command));
       },
-      [=](Model& on) {
-        return on.AddAastraKey(a.index, first, WordAt(a.command, kAastraActions, "SoftKey:Select"));
+      [=](Model& model) {
+        return model.AddAastraKey(arguments.index, first,
+                                  WordAt(arguments.command, kAastraURIs, "SoftKey:Select"));
       });
   list.Add<AastraIPPhone>(
-      "AddSoftKey of a URI",
-      [=](auto& on) { return on.AddSoftKey(a.index, asC(first), asC(second)); },
-      [=](Model& on) { return on.AddAastraKey(a.index, first, second); });
+      "AddSoftKey with a URI",
+      [=](auto& target) {
+        return target.AddSoftKey(arguments.index, toCString(first), toCString(second));
+      },
+      [=](Model& model) { return model.AddAastraKey(arguments.index, first, second); });
   list.Add<SnomIPPhone>(
       "AddSoftKey",
-      [=](auto& on) {
-        return on.AddSoftKey(static_cast<SnomSoftKeyCommands>(a.command), asC(first));
+      [=](auto& target) {
+        return target.AddSoftKey(static_cast<SnomSoftKeyCommands>(arguments.command),
+                                 toCString(first));
       },
-      [=](Model& on) {
-        return on.AddKeyItem(Filled(WordAt(a.command, kKeyNames, ""), {{"own", "SNOM"}}), first);
+      [=](Model& model) {
+        return model.AddKeyItem(
+            FillTemplate(WordAt(arguments.command, kKeyNames, ""), {{"maker", "SNOM"}}), first);
       });
   list.Add<YealinkIPPhone>(
       "AddSoftKey",
-      [=](auto& on) {
-        return on.AddSoftKey(static_cast<YealinkSoftKeyCommands>(a.command), asC(first));
+      [=](auto& target) {
+        return target.AddSoftKey(static_cast<YealinkSoftKeyCommands>(arguments.command),
+                                 toCString(first));
       },
-      [=](Model& on) {
-        return on.AddKeyItem(Filled(WordAt(a.command, kKeyNames, ""), {{"own", "Yealink"}}), first);
+      [=](Model& model) {
+        return model.AddKeyItem(
+            FillTemplate(WordAt(arguments.command, kKeyNames, ""), {{"maker", "Yealink"}}), first);
       });
-  return list.all;
+  return list.operations;
 }
 
-void FillWith(IPPhoneXML& document, const Arguments& arguments) {
+void ApplyAll(IPPhoneXML& document, const Arguments& arguments) {
   for (const auto& operation : OperationsOn(document, arguments)) operation.apply(document);
 }
 
-void CompareWithModel(const DocumentClass& row, const Choose& choose) {
-  const auto arguments = ChooseArguments(choose);
-  const Construction with{arguments.texts[0], static_cast<int>(choose(8)) - 1, arguments.texts[1],
-                          arguments.isNull};
-  const auto document = row.make(with);
-  Model model(row, with);
-  const auto expect = [&](bool holds, const std::string& what, const std::string& found,
+void CompareWithModel(const DocumentClass& documentClass, const RandomBelow& randomBelow) {
+  const auto random = RandomArguments(randomBelow);
+  const ConstructorArguments arguments{random.texts[0], static_cast<int>(randomBelow(8)) - 1,
+                                       random.texts[1], random.isNull};
+  const auto document = documentClass.make(arguments);
+  Model model(documentClass, arguments);
+  const auto expect = [&](bool condition, const std::string& action, const std::string& actual,
                           const std::string& expected) {
-    if (holds) return;
-    throw std::logic_error(std::string(row.name) + ": " + what + " gives\n" + found +
-                           "\ninstead of\n" + expected);
+    if (condition) return;
+    throw std::logic_error(std::string(documentClass.name) + ": " + action +
+                           " returned or wrote\n" + actual + "\nexpected:\n" + expected);
   };
-  const auto compare = [&](const std::string& what) {
-    const std::string out = Rendered(*document);
-    expect(out == model.Text(), what, out, model.Text());
+  const auto compare = [&](const std::string& action) {
+    const std::string out = RenderToString(*document);
+    expect(out == model.Render(), action, out, model.Render());
   };
 
-  const std::string text = row.text;
+  const std::string text = documentClass.documentTemplate;
   const bool hasTitle = text.find("{title}") != text.npos;
-  expect(document->GetTitle() == (hasTitle ? UpToNul(with.title) : ""), "GetTitle",
-         document->GetTitle(), with.title);
+  expect(document->GetTitle() == (hasTitle ? UpToNul(arguments.title) : ""), "GetTitle",
+         document->GetTitle(), arguments.title);
   const std::string type = text.rfind("<html>", 0) == 0 ? "text/html" : "text/xml";
   expect(document->GetContentType() == type, "GetContentType", document->GetContentType(), type);
-  compare("the constructor");
-  for (unsigned i = choose(30); i-- > 0;) {
-    const auto operations = OperationsOn(*document, ChooseArguments(choose));
-    const auto& operation = operations[choose(static_cast<unsigned>(operations.size()))];
-    const bool isDone = operation.apply(*document);
-    expect(isDone == operation.expect(model), operation.name, isDone ? "true" : "false", "another");
+  compare("construction");
+  for (unsigned i = randomBelow(30); i-- > 0;) {
+    const auto operations = OperationsOn(*document, RandomArguments(randomBelow));
+    const auto& operation = operations[randomBelow(static_cast<unsigned>(operations.size()))];
+    const bool result = operation.apply(*document);
+    expect(result == operation.expect(model), operation.name, result ? "true" : "false",
+           result ? "false" : "true");
     compare(operation.name);
   }
   std::string out = "kept";
   document->Render(out);
   document->Render(out);
-  expect(out == "kept" + model.Text() + model.Text(), "rendering twice", out, model.Text());
+  expect(out == "kept" + model.Render() + model.Render(), "rendering twice", out, model.Render());
 }
 
-std::string Rendered(IPPhoneXML& document) {
+std::string RenderToString(IPPhoneXML& document) {
   std::string out;
   document.Render(out);
   return out;

@@ -1,5 +1,5 @@
-// All documents in one table: how each is made and what it writes. The table is a plain second idea
-// of the library, and what holds for every document is tested on every one.
+// A table of all documents and a reference model of them. The tests and the fuzzer compare every
+// document with the model.
 #pragma once
 
 #include <teleform/teleform.h>
@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
-// Any number below `end`: chance, or bytes of a fuzzer.
-using Choose = std::function<unsigned(unsigned end)>;
+// Returns a number below `end`, from a random generator or from the fuzzer's input.
+using RandomBelow = std::function<unsigned(unsigned end)>;
 
-struct Construction {
+struct ConstructorArguments {
   std::string title;
   int maxItems;
   std::string type;
@@ -24,19 +24,19 @@ struct Construction {
 
 struct DocumentClass {
   const char* name;
-  const char* text;     // what it writes, with names in braces for what it holds
-  const char* element;  // the same of an item or an entry; empty if it has none
+  const char* documentTemplate;  // the expected output, with placeholders in braces
+  const char* elementTemplate;   // the same for one item or entry; empty if there are none
   bool enforcesLimit;
-  std::unique_ptr<IPPhoneXML> (*make)(const Construction& with);
+  std::unique_ptr<IPPhoneXML> (*make)(const ConstructorArguments& arguments);
 };
 extern const std::vector<DocumentClass> kDocumentClasses;
 
-// The document that a class with this row makes, as text and plain values.
+// The reference model of a document: its expected state, from which it renders the expected text.
 class Model {
  public:
-  Model(const DocumentClass& row, const Construction& with);
+  Model(const DocumentClass& documentClass, const ConstructorArguments& arguments);
 
-  std::string Text() const;
+  std::string Render() const;
   void Set(const std::string& field, const std::string& value) { fields[field] = value; }
   bool Append(const std::string& first, const std::string& second);
   void Sort();
@@ -44,16 +44,16 @@ class Model {
   bool AddKeyItem(const std::string& name, const std::string& url);
 
  private:
-  const DocumentClass* row;
+  const DocumentClass* documentClass;
   int maxItems;
   std::map<std::string, std::string> fields;
   std::vector<std::pair<std::string, std::string>> elements;
 };
 
-// `text` with the values of `fields` for the names in braces.
-std::string Filled(const std::string& text, const std::map<std::string, std::string>& fields);
+// Replaces the placeholders in braces by the values of `fields`; a missing field is empty.
+std::string FillTemplate(const std::string& text, const std::map<std::string, std::string>& fields);
 
-// What the operations of a document are given.
+// The arguments of a document's operations.
 struct Arguments {
   std::array<std::string, 4> texts;
   int command = 0;
@@ -61,30 +61,29 @@ struct Arguments {
   int timeout = 0;
   int type = 0;
   unsigned long flags = 0;
-  bool isNull = false;  // whether an empty C string is a null pointer
+  bool isNull = false;  // whether to pass empty C strings as null pointers
 };
-Arguments ChooseArguments(const Choose& choose);
+Arguments RandomArguments(const RandomBelow& randomBelow);
 
-// Something that a caller can do to a document, and what the model makes of it. Both return what
-// the operation returns, or true.
+// An operation on a document and its equivalent on the model. Both return the operation's result,
+// or true if it has none.
 struct Operation {
   const char* name;
   std::function<bool(IPPhoneXML&)> apply;
   std::function<bool(Model&)> expect;
 };
 
-// Everything that a caller can do to fill this document.
+// All operations of the document.
 std::vector<Operation> OperationsOn(IPPhoneXML& document, const Arguments& arguments);
 
-// Fills a document with all of these.
-void FillWith(IPPhoneXML& document, const Arguments& arguments);
+// Applies all operations to the document.
+void ApplyAll(IPPhoneXML& document, const Arguments& arguments);
 
-// Makes a document of this class, does what `choose` says and compares it with the model after each
-// operation.
-// @throws std::logic_error that tells what differs.
-void CompareWithModel(const DocumentClass& row, const Choose& choose);
+// Constructs a document, applies random operations and compares it with the model after each one.
+// @throws std::logic_error that describes the first difference.
+void CompareWithModel(const DocumentClass& documentClass, const RandomBelow& randomBelow);
 
-// The classes of which the makers' pages show an example.
+// The classes with an example on their maker's page of the documentation.
 extern const std::set<std::string> kShownClasses;
 
-std::string Rendered(IPPhoneXML& document);
+std::string RenderToString(IPPhoneXML& document);

@@ -1,4 +1,4 @@
-// What holds for every document of every maker.
+// The guarantees of every document of every maker.
 #include "documents.h"
 
 #include <gtest/gtest.h>
@@ -11,18 +11,18 @@
 
 namespace {
 
-const std::string kLong = "a text that is too long to fit into a string without an allocation";
-const Construction kLongConstruction = {kLong, 100, kLong, true};
+const std::string kLong = "a text that is too long for the small string buffer of a std::string";
+const ConstructorArguments kLongConstructorArguments = {kLong, 100, kLong, true};
 const Arguments kLongArguments = {{kLong, kLong, kLong, kLong}, 7, 6, 2147483647, 1, ~0UL};
 
 class EveryDocument : public testing::TestWithParam<DocumentClass> {
  protected:
-  static std::unique_ptr<IPPhoneXML> Make() { return GetParam().make(kLongConstruction); }
+  static std::unique_ptr<IPPhoneXML> Make() { return GetParam().make(kLongConstructorArguments); }
 
-  // With as many entries, if it has any, as it takes to be sorted in every way that the sort knows.
+  // A directory gets enough entries for every sorting algorithm of the library.
   static std::unique_ptr<IPPhoneXML> MakeFilled() {
     auto document = Make();
-    FillWith(*document, kLongArguments);
+    ApplyAll(*document, kLongArguments);
     auto* const directory = dynamic_cast<IPPhoneDirectoryXML*>(document.get());
     for (int i = 0; directory != nullptr && i < 60; ++i) {
       directory->AppendEntry(kLong + std::to_string(i * 37 % 60), kLong);
@@ -31,12 +31,12 @@ class EveryDocument : public testing::TestWithParam<DocumentClass> {
   }
 };
 
-TEST_P(EveryDocument, DoesWhatItsModelDoes) {
+TEST_P(EveryDocument, BehavesLikeItsModel) {
   const auto seed = std::random_device{}();
-  std::mt19937 random(seed);
+  std::mt19937 generator(seed);
   for (int round = 0; round < 300; ++round) {
     try {
-      CompareWithModel(GetParam(), [&](unsigned end) { return unsigned(random() % end); });
+      CompareWithModel(GetParam(), [&](unsigned end) { return unsigned(generator() % end); });
     } catch (const std::logic_error& difference) {
       FAIL() << "seed " << seed << ", round " << round << ": " << difference.what();
     }
@@ -48,10 +48,10 @@ TEST_P(EveryDocument, IsShownOnItsMakersPage) {
 }
 
 TEST_P(EveryDocument, CanBeDeletedThroughEachBase) {
-  const long before = Allocations::Watch().alive;
-  const auto deleteThrough = [](auto* none) {
+  const long before = Allocations::StartCounting().live;
+  const auto deleteThrough = [](auto* null) {
     auto document = MakeFilled();
-    auto* const base = dynamic_cast<decltype(none)>(document.get());
+    auto* const base = dynamic_cast<decltype(null)>(document.get());
     if (base == nullptr) return;
     static_cast<void>(document.release());
     delete base;
@@ -66,26 +66,26 @@ TEST_P(EveryDocument, CanBeDeletedThroughEachBase) {
   deleteThrough(static_cast<AastraIPPhone*>(nullptr));
   deleteThrough(static_cast<SnomIPPhone*>(nullptr));
   deleteThrough(static_cast<YealinkIPPhone*>(nullptr));
-  EXPECT_EQ(Allocations::Watch().alive, before);
+  EXPECT_EQ(Allocations::StartCounting().live, before);
 }
 
-TEST_P(EveryDocument, RendersWithOneAllocationAtMost) {
+TEST_P(EveryDocument, RendersWithAtMostOneAllocation) {
   const auto document = MakeFilled();
   std::string out;
-  Allocations& allocations = Allocations::Watch();
+  Allocations& allocations = Allocations::StartCounting();
   document->Render(out);
-  EXPECT_EQ(allocations.made, 1U);
+  EXPECT_EQ(allocations.count, 1U);
   out.clear();
-  Allocations::Watch();
+  Allocations::StartCounting();
   document->Render(out);
-  EXPECT_EQ(allocations.made, 0U);
+  EXPECT_EQ(allocations.count, 0U);
 }
 
-// Each operation, with memory running out at each of its allocations: what the operation could not
-// finish has not happened, and afterwards it can still be done.
-TEST_P(EveryDocument, SurvivesRunningOutOfMemoryAnywhere) {
+// Fails each allocation of each operation. A failed operation must change nothing, and a later call
+// must succeed.
+TEST_P(EveryDocument, IsUnchangedByAFailedAllocation) {
   const auto document = MakeFilled();
-  const auto witness = MakeFilled();
+  const auto reference = MakeFilled();
   auto operations = OperationsOn(*document, kLongArguments);
   operations.push_back({"Render",
                         [out = std::string()](IPPhoneXML& rendered) mutable {
@@ -104,33 +104,33 @@ TEST_P(EveryDocument, SurvivesRunningOutOfMemoryAnywhere) {
     for (std::size_t failAt = 1;; ++failAt) {
       ASSERT_LT(failAt, 1000U);
       const Operation copy = operation;
-      const std::string before = Rendered(*document);
-      Allocations::Watch(failAt);
+      const std::string before = RenderToString(*document);
+      Allocations::StartCounting(failAt);
       try {
         copy.apply(*document);
-        Allocations::Watch();
+        Allocations::StartCounting();
         break;
       } catch (const std::bad_alloc&) {
-        Allocations::Watch();
-        ASSERT_EQ(Rendered(*document), before) << operation.name;
+        Allocations::StartCounting();
+        ASSERT_EQ(RenderToString(*document), before) << operation.name;
       }
     }
-    operation.apply(*witness);
-    ASSERT_EQ(Rendered(*document), Rendered(*witness)) << operation.name;
+    operation.apply(*reference);
+    ASSERT_EQ(RenderToString(*document), RenderToString(*reference)) << operation.name;
   }
 }
 
-TEST_P(EveryDocument, LeavesNothingBehindWhenItCannotBeConstructed) {
-  const long before = Allocations::Watch().alive;
+TEST_P(EveryDocument, DoesNotLeakWhenConstructionFails) {
+  const long before = Allocations::StartCounting().live;
   for (std::size_t failAt = 1;; ++failAt) {
-    Allocations::Watch(failAt);
+    Allocations::StartCounting(failAt);
     try {
       const auto document = Make();
-      Allocations::Watch();
+      Allocations::StartCounting();
       break;
     } catch (const std::bad_alloc&) {
-      Allocations::Watch();
-      EXPECT_EQ(Allocations::Watch().alive, before) << failAt;
+      Allocations::StartCounting();
+      EXPECT_EQ(Allocations::StartCounting().live, before) << failAt;
     }
   }
 }
@@ -138,14 +138,14 @@ TEST_P(EveryDocument, LeavesNothingBehindWhenItCannotBeConstructed) {
 INSTANTIATE_TEST_SUITE_P(, EveryDocument, testing::ValuesIn(kDocumentClasses),
                          [](const auto& test) { return std::string(test.param.name); });
 
-// Distinct documents need no lock; the thread sanitizer sees whether that holds.
-TEST(Threads, BuildAndRenderDistinctDocuments) {
+// Under the thread sanitizer this also detects data races.
+TEST(Threads, FillAndRenderDifferentDocumentsConcurrently) {
   const auto renderAll = [] {
     std::vector<std::string> texts;
-    for (const auto& row : kDocumentClasses) {
-      const auto document = row.make(kLongConstruction);
-      FillWith(*document, kLongArguments);
-      texts.push_back(Rendered(*document));
+    for (const auto& documentClass : kDocumentClasses) {
+      const auto document = documentClass.make(kLongConstructorArguments);
+      ApplyAll(*document, kLongArguments);
+      texts.push_back(RenderToString(*document));
     }
     return texts;
   };
@@ -162,21 +162,21 @@ TEST(Threads, BuildAndRenderDistinctDocuments) {
   for (const auto& texts : rendered) EXPECT_EQ(texts, expected);
 }
 
-// Items, entries and soft keys render by themselves, too, and those that are values are copied.
-
+// Renders one item or entry, and a copy of it if it can be copied.
 template <typename Element>
 void ExpectElement(const std::string& document) {
   Element element("p", "u");
   std::string out = "kept ";
   element.Render(out);
   if constexpr (std::is_copy_constructible_v<Element>) Element(element).Render(out = "kept ");
-  for (const auto& row : kDocumentClasses) {
-    if (row.name != document) continue;
-    EXPECT_EQ(out, "kept " + Filled(row.element, {{"first", "p"}, {"second", "u"}}));
+  for (const auto& documentClass : kDocumentClasses) {
+    if (documentClass.name != document) continue;
+    EXPECT_EQ(out, "kept " + FillTemplate(documentClass.elementTemplate,
+                                          {{"first", "p"}, {"second", "u"}}));
   }
 }
 
-TEST(Elements, RenderByThemselves) {
+TEST(Elements, RenderWithoutTheirDocument) {
   ExpectElement<AastraIPPhoneMenuItem>("AastraIPPhoneMenu");
   ExpectElement<AastraIPPhoneDirectoryEntry>("AastraIPPhoneDirectory");
   ExpectElement<CiscoIPPhoneDirectoryEntry>("CiscoIPPhoneDirectory");
@@ -187,14 +187,15 @@ TEST(Elements, RenderByThemselves) {
 }
 
 template <typename Holder>
-struct Open : Holder {
+struct Exposed : Holder {
   using Holder::softKeys;
 };
 
-// Whether a copy of the second key, then assigned the first one and moved the second one, renders
-// as they do.
+// Expects that a soft key renders the same after copy construction, copy assignment and move
+// assignment.
 template <typename Holder>
-void ExpectValues(const Open<Holder>& holder, const std::string& first, const std::string& second) {
+void ExpectCopyable(const Exposed<Holder>& holder, const std::string& first,
+                    const std::string& second) {
   auto key = holder.softKeys[1];
   std::string out;
   key.Render(out);
@@ -206,28 +207,28 @@ void ExpectValues(const Open<Holder>& holder, const std::string& first, const st
 }
 
 template <typename Holder, typename Key, typename Command>
-void ExpectKeyItems() {
-  Open<Holder> holder;
+void ExpectSoftKeyItems() {
+  Exposed<Holder> holder;
   holder.AddSoftKey(Command(1), "one");
   holder.AddSoftKey(Command(2), "two");
   const auto element = [](const std::string& name, const std::string& url) {
     return "<SoftKeyItem>\n<Name>" + name + "</Name>\n<URL>" + url + "</URL>\n</SoftKeyItem>\n";
   };
-  ExpectValues(holder, element("ENTER", "one"), element("ONHOOK", "two"));
+  ExpectCopyable(holder, element("ENTER", "one"), element("ONHOOK", "two"));
   std::string out;
   Key().Render(out);
   EXPECT_EQ(out, element("", ""));
 }
 
-TEST(SoftKeys, AreValuesThatRenderByThemselves) {
-  ExpectKeyItems<SnomIPPhone, SnomSoftKey, SnomSoftKeyCommands>();
-  ExpectKeyItems<YealinkIPPhone, YealinkSoftKey, YealinkSoftKeyCommands>();
-  Open<AastraIPPhone> holder;
+TEST(SoftKeys, AreCopyableAndRenderWithoutTheirDocument) {
+  ExpectSoftKeyItems<SnomIPPhone, SnomSoftKey, SnomSoftKeyCommands>();
+  ExpectSoftKeyItems<YealinkIPPhone, YealinkSoftKey, YealinkSoftKeyCommands>();
+  Exposed<AastraIPPhone> holder;
   holder.AddSoftKey(6, "One", "uri:1");
   holder.AddSoftKey(1, "Two", AASTRA_SK_DOT);
-  ExpectValues(holder,
-               "<SoftKey index = \"6\">\n<Label>One</Label>\n<URI>uri:1</URI>\n</SoftKey>\n",
-               "<SoftKey index = \"1\">\n<Label>Two</Label>\n<URI>SoftKey:Dot</URI>\n</SoftKey>\n");
+  ExpectCopyable(
+      holder, "<SoftKey index = \"6\">\n<Label>One</Label>\n<URI>uri:1</URI>\n</SoftKey>\n",
+      "<SoftKey index = \"1\">\n<Label>Two</Label>\n<URI>SoftKey:Dot</URI>\n</SoftKey>\n");
 }
 
 }  // namespace

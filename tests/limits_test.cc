@@ -1,4 +1,4 @@
-// As much as may be asked of the library: very many, and very long.
+// Very large documents: a million entries and very long strings.
 #include <gtest/gtest.h>
 
 #include "documents.h"
@@ -13,7 +13,7 @@ TEST(Limits, MillionEntries) {
   }
   EXPECT_FALSE(directory.AppendEntry("one more", "1"));
   directory.SortDirectoryItems();
-  const std::string out = Rendered(directory);
+  const std::string out = RenderToString(directory);
   std::size_t at = 0;
   for (int i = 0; i < kEntries; ++i) {
     at = out.find("<Name>", at) + 6;
@@ -27,13 +27,13 @@ TEST(Limits, VeryLongStrings) {
   const std::string text(64 << 20, 'x');
   PolycomIPPhoneTextScreen screen(title);
   screen.SetText(text);
-  EXPECT_EQ(Rendered(screen), "<html>\n<Title>" + title + "</Title>\n<body>\n<p>" + text +
-                                  "</p>\n</body>\n</html>\n");
+  EXPECT_EQ(RenderToString(screen), "<html>\n<Title>" + title + "</Title>\n<body>\n<p>" + text +
+                                        "</p>\n</body>\n</html>\n");
   SnomIPPhoneDirectory directory("", 0);
   for (const char* end : {"b", "", "a"})
     directory.AppendEntry(title + end, end[0] == 0 ? "0" : end);
   directory.SortDirectoryItems();
-  const std::string out = Rendered(directory);
+  const std::string out = RenderToString(directory);
   EXPECT_LT(out.find("<Telephone>0<"), out.find("<Telephone>a<"));
   EXPECT_LT(out.find("<Telephone>a<"), out.find("<Telephone>b<"));
 }

@@ -1,4 +1,4 @@
-// Sorting, held to its promises on any names.
+// A check of SortDirectoryItems on arbitrary names.
 #pragma once
 
 #include <teleform/core/documents.h>
@@ -12,10 +12,10 @@
 
 #include "documents.h"
 
-// A directory whose entries can be seen, with the kind's own operations.
-class OpenDirectory : public IPPhoneDirectoryXML {
+// A directory with public entries and the kind's default operations.
+class ExposedDirectory : public IPPhoneDirectoryXML {
  public:
-  OpenDirectory() : IPPhoneDirectoryXML(nullptr, 7) {}
+  ExposedDirectory() : IPPhoneDirectoryXML(nullptr, 7) {}
   using IPPhoneDirectoryXML::entries;
   void Render(std::string& /*out*/) override {}
   std::vector<std::pair<std::string, std::string>> Content() const {
@@ -25,11 +25,11 @@ class OpenDirectory : public IPPhoneDirectoryXML {
   }
 };
 
-// Sorts these names and compares with what a plain stable sort makes of them; telephones tell equal
-// names apart. Sorted again, they stay as they are, and compare_case contradicts nowhere.
-// @throws std::logic_error when it is otherwise.
-inline void CheckSorting(const std::vector<std::string>& names) {
-  OpenDirectory directory;
+// Sorts the names twice and compares both results with std::stable_sort; the telephones distinguish
+// equal names. Then verifies that compare_case never contradicts the order.
+// @throws std::logic_error that describes the first violation.
+inline void VerifySorting(const std::vector<std::string>& names) {
+  ExposedDirectory directory;
   for (const auto& name : names) {
     directory.entries.push_back(
         std::make_unique<IPPhoneDirectoryEntry>(name, std::to_string(directory.entries.size())));
@@ -37,14 +37,14 @@ inline void CheckSorting(const std::vector<std::string>& names) {
   auto expected = directory.Content();
   std::stable_sort(expected.begin(), expected.end(),
                    [](const auto& a, const auto& b) { return a.first < b.first; });
-  for (const char* time : {"first", "second"}) {
+  for (const char* pass : {"first", "second"}) {
     directory.SortDirectoryItems();
     if (directory.Content() != expected) {
-      throw std::logic_error(std::string("the order is another at the ") + time + " time");
+      throw std::logic_error(std::string("the ") + pass + " sort gives a wrong order");
     }
   }
-  const std::size_t some = std::min<std::size_t>(names.size(), 12);
-  for (std::size_t a = 0; a < some; ++a) {
+  const std::size_t compared = std::min<std::size_t>(names.size(), 12);
+  for (std::size_t a = 0; a < compared; ++a) {
     for (std::size_t b = 0; b <= a; ++b) {
       if (compare_case(directory.entries[a].get(), directory.entries[b].get())) {
         throw std::logic_error("compare_case contradicts the order");
@@ -53,16 +53,16 @@ inline void CheckSorting(const std::vector<std::string>& names) {
   }
 }
 
-// Few letters make many names alike, and beginnings in common make the sort look further in.
-inline std::vector<std::string> ChooseNames(const Choose& choose) {
+// Names from a small alphabet with a common prefix, so that many are equal or differ late.
+inline std::vector<std::string> RandomNames(const RandomBelow& randomBelow) {
   const std::string letters("\0a\x7F\x80\xFF", 5);
-  const unsigned alphabet = 1 + choose(5);
-  const unsigned longest = 1 + choose(20);
-  const std::string beginning(choose(3) * 7 + choose(3), 'b');
-  std::vector<std::string> names(choose(200));
+  const unsigned alphabet = 1 + randomBelow(5);
+  const unsigned maxSize = 1 + randomBelow(20);
+  const std::string prefix(randomBelow(3) * 7 + randomBelow(3), 'b');
+  std::vector<std::string> names(randomBelow(200));
   for (auto& name : names) {
-    name = beginning.substr(0, choose(4) == 0 ? choose(20) : beginning.npos);
-    for (unsigned i = choose(longest); i-- > 0;) name += letters[choose(alphabet)];
+    name = prefix.substr(0, randomBelow(4) == 0 ? randomBelow(20) : prefix.npos);
+    for (unsigned i = randomBelow(maxSize); i-- > 0;) name += letters[randomBelow(alphabet)];
   }
   return names;
 }

@@ -1,4 +1,4 @@
-// With text that is fit for XML, what the library writes is XML, and the Polycom page HTML.
+// Documents with escaped text are well-formed XML, or HTML for the Polycom page.
 #include <gtest/gtest.h>
 #include <libxml/HTMLparser.h>
 #include <libxml/parser.h>
@@ -9,13 +9,12 @@
 
 namespace {
 
-// Whether the text parses without an error.
 template <typename Context, typename Read>
 bool Parses(Context* context, void (*free)(Context*), Read read, const std::string& text) {
   const std::unique_ptr<Context, void (*)(Context*)> parser(context, free);
-  constexpr int kQuietly = XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET;
+  constexpr int kOptions = XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET;
   xmlFreeDoc(
-      read(parser.get(), text.data(), static_cast<int>(text.size()), nullptr, "UTF-8", kQuietly));
+      read(parser.get(), text.data(), static_cast<int>(text.size()), nullptr, "UTF-8", kOptions));
   return xmlCtxtGetLastError(parser.get()) == nullptr;
 }
 bool IsXML(const std::string& text) {
@@ -26,13 +25,13 @@ bool IsHTML(const std::string& text) {
 }
 
 TEST(Documents, AreWellFormed) {
-  const std::string fit = "Zo\xC3\xAB &amp; &lt;Ann&gt; &quot;\n\t]]&gt;";
-  const Arguments arguments = {{fit, fit, fit, fit}, 1, 1, 30, 1, ~0UL};
-  for (const auto& row : kDocumentClasses) {
-    const auto document = row.make({fit, 10, fit, true});
-    FillWith(*document, arguments);
+  const std::string escaped = "Zo\xC3\xAB &amp; &lt;Ann&gt; &quot;\n\t]]&gt;";
+  const Arguments arguments = {{escaped, escaped, escaped, escaped}, 1, 1, 30, 1, ~0UL};
+  for (const auto& documentClass : kDocumentClasses) {
+    const auto document = documentClass.make({escaped, 10, escaped, true});
+    ApplyAll(*document, arguments);
     const bool isHTML = document->GetContentType() == "text/html";
-    EXPECT_TRUE((isHTML ? IsHTML : IsXML)(Rendered(*document))) << Rendered(*document);
+    EXPECT_TRUE((isHTML ? IsHTML : IsXML)(RenderToString(*document))) << RenderToString(*document);
   }
   EXPECT_FALSE(IsXML("<a>&</a>"));
   EXPECT_FALSE(IsHTML("<p>&nonsense;</p></b>"));
