@@ -53,7 +53,7 @@ inline void VerifySorting(const std::vector<std::string>& names) {
   }
 }
 
-// Names from a small alphabet with a common prefix, so that many are equal or differ late.
+// Names from a small alphabet, most with a common prefix, so that many are equal or differ late.
 inline std::vector<std::string> RandomNames(const RandomBelow& randomBelow) {
   const std::string letters("\0a\x7F\x80\xFF", 5);
   const unsigned alphabet = 1 + randomBelow(5);
