@@ -6,12 +6,11 @@
 #include <cstdio>
 #include <exception>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string_view>
 #include <utility>
 
-#include "phonebook/assets.h"
+#include "phonebook/preview.h"
 #include "phonebook/text.h"
 
 namespace phonebook {
@@ -99,6 +98,7 @@ std::string Addresses(const std::string& server) {
 
 Server::Server(const std::string& database, ServerOptions theOptions)
     : options(std::move(theOptions)),
+      preview(MakePreview()),
       http({[this](Request request, HTTPServer::Answer answer) {
               Serve(std::move(request), std::move(answer));
             },
@@ -107,7 +107,6 @@ Server::Server(const std::string& database, ServerOptions theOptions)
             }},
            {options.phones}),
       workers(database, options.connections) {
-  MakePreview();
   http.Every(std::chrono::milliseconds(20), [this] { workers.Watch(); });
   http.Every(std::chrono::milliseconds(300), [this] { IndexPending(); });
 }
@@ -250,29 +249,6 @@ void Server::IndexPending() {
                 };
               },
               [this] { isRefreshing = false; }});
-}
-
-void Server::MakePreview() {
-  const auto add = [this](const char* path, const std::string& content, const char* type) {
-    Response reply = MakeResponse(200, type, content);
-    reply.fields.emplace_back(
-        "Content-Security-Policy",
-        "default-src 'self'; img-src data:; base-uri 'none'; frame-ancestors 'none'");
-    preview.emplace(path, std::move(reply));
-  };
-  add("/preview", kPreviewPage, "text/html; charset=utf-8");
-  add("/preview/preview.css", kPreviewStyle, "text/css; charset=utf-8");
-  add("/preview/preview.js", kPreviewScript, "text/javascript; charset=utf-8");
-
-  nlohmann::json choices = {{"makers", nlohmann::json::array()},
-                            {"pages", nlohmann::json::array()}};
-  for (const auto& facts : AllMakers()) {
-    choices["makers"].push_back({{"name", facts.name}, {"path", facts.slug}});
-  }
-  for (const auto& page : AllPages()) {
-    choices["pages"].push_back({{"title", page.title}, {"path", page.path}});
-  }
-  add("/preview/choices.json", choices.dump(), "application/json");
 }
 
 }  // namespace phonebook

@@ -57,11 +57,10 @@ class Server {
                   const std::string& cause = "") const;
   ParsedRequest VisitorOf(const Request& request) const;
   void IndexPending();
-  void MakePreview();
 
   ServerOptions options;
   std::string ownHost;
-  std::map<std::string, Response> preview;  // by path
+  const std::map<std::string, Response> preview;  // by path
   HTTPServer http;
   WorkerPool workers;
   std::atomic<bool> isRefreshing = false;
