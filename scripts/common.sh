@@ -78,19 +78,23 @@ conclude() {
   [ "$failed" -eq 0 ]
 }
 
-# What the phone book is built with, and what is built.
+# The packages that the phone book needs, and the built programs.
 phonebookPackages=(g++ cmake ninja-build pkg-config libcli11-dev libicu-dev
   nlohmann-json3-dev libsoci-dev libboost-dev libsqlite3-dev libpq-dev)
 # shellcheck disable=SC2034
 phonebook=$root/build/phonebook/phonebook/phonebook
+# shellcheck disable=SC2034
+phonebookBenchmarks=$root/build/phonebook/phonebook/benchmarks
 
+# buildPhonebook TARGET...: builds targets of the phone book.
 buildPhonebook() {
   need "${phonebookPackages[@]}"
   echo "Building the phone book ..." >&2
   (
     cd "$root"
-    quietly cmake --preset release -B build/phonebook -DTELEFORM_BUILD_PHONEBOOK=ON
-    quietly cmake --build build/phonebook --target phonebook
+    quietly cmake --preset release -B build/phonebook -DTELEFORM_BUILD_PHONEBOOK=ON \
+      -DPHONEBOOK_BUILD_BENCHMARKS=ON
+    quietly cmake --build build/phonebook --target "$@"
   )
 }
 

@@ -1,5 +1,7 @@
-// The most that the phone book's HTTP library can do: a server that answers every request with the
-// same bytes, and has no limits. Usage: bare_server PORT SIZE
+// The upper limit for the phone book on its HTTP library: a server that sends the same response to
+// every request and enforces no limits.
+//
+// Usage: bare_server PORT SIZE    SIZE is that of the body in bytes
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
@@ -21,11 +23,11 @@ class Connection : public std::enable_shared_from_this<Connection> {
  public:
   Connection(tcp::socket theSocket, std::size_t size) : socket(std::move(theSocket)) {
     socket.set_option(tcp::no_delay(true));
-    answer.set(http::field::content_type, "text/xml; charset=utf-8");
-    answer.set(http::field::cache_control, "no-cache");
-    answer.set("X-Content-Type-Options", "nosniff");
-    answer.body() = std::string(size, 'x');
-    answer.prepare_payload();
+    response.set(http::field::content_type, "text/xml; charset=utf-8");
+    response.set(http::field::cache_control, "no-cache");
+    response.set("X-Content-Type-Options", "nosniff");
+    response.body() = std::string(size, 'x');
+    response.prepare_payload();
   }
 
   void Read() {
@@ -38,7 +40,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
  private:
   void Write() {
-    http::async_write(socket, answer, [self = shared_from_this()](error_code error, std::size_t) {
+    http::async_write(socket, response, [self = shared_from_this()](error_code error, std::size_t) {
       if (!error) self->Read();
     });
   }
@@ -46,7 +48,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   tcp::socket socket;
   boost::beast::flat_buffer buffer;
   http::request<http::empty_body> request;
-  http::response<http::string_body> answer;
+  http::response<http::string_body> response;
 };
 
 void Accept(tcp::acceptor& acceptor, std::size_t size) {

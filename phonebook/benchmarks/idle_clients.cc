@@ -1,6 +1,7 @@
-// Connections that cost a server something and ask for nothing, until the program is ended: idle
-// ones, and others that send a request byte by byte, again when the server has had enough.
-// Usage: crowd PORT IDLE DRIPPING
+// Holds connections to a server until the program is killed: idle ones, and slow ones that send a
+// request byte by byte and reconnect when the server closes the connection.
+//
+// Usage: idle_clients PORT IDLE SLOW    prints "connected" when all idle connections are open
 #include <sys/resource.h>
 
 #include <algorithm>
@@ -21,9 +22,9 @@ namespace {
 using boost::asio::ip::tcp;
 using boost::system::error_code;
 
-class Dripping {
+class SlowClient {
  public:
-  Dripping(boost::asio::io_context& context, tcp::endpoint theServer)
+  SlowClient(boost::asio::io_context& context, tcp::endpoint theServer)
       : server(std::move(theServer)), socket(context), timer(context) {
     Connect();
   }
@@ -33,9 +34,9 @@ class Dripping {
     error_code ignored;
     socket.close(ignored);
     sent = 0;
-    socket.async_connect(server, [this](error_code) { Drip(); });
+    socket.async_connect(server, [this](error_code) { SendByte(); });
   }
-  void Drip() {
+  void SendByte() {
     constexpr std::string_view kRequest = "GET /snom/directory HTTP/1.1\r\nX: xxxxxxxxxxxxxxxxxx";
     constexpr std::chrono::milliseconds kPause(200);
     error_code error;
@@ -46,7 +47,7 @@ class Dripping {
       if (error) {
         Connect();
       } else {
-        Drip();
+        SendByte();
       }
     });
   }
@@ -70,9 +71,9 @@ int main(int argc, char** argv) try {
                              static_cast<unsigned short>(std::atoi(argv[1])));
   std::list<tcp::socket> idle;
   for (int i = 0; i < std::atoi(argv[2]); ++i) idle.emplace_back(context).connect(server);
-  std::list<Dripping> dripping;
-  for (int i = 0; i < std::atoi(argv[3]); ++i) dripping.emplace_back(context, server);
-  const auto forEver = boost::asio::make_work_guard(context);
+  std::list<SlowClient> slow;
+  for (int i = 0; i < std::atoi(argv[3]); ++i) slow.emplace_back(context, server);
+  const auto keepRunning = boost::asio::make_work_guard(context);
   std::cout << "connected\n" << std::flush;
   context.run();
 } catch (const std::exception& error) {
