@@ -1,17 +1,17 @@
-# Builds for another machine with Debian's compiler for it, and runs what was built by qemu.
+# Toolchain for another architecture: cross-compiles with Debian's GCC and runs programs in qemu.
 #
 # Usage: cmake --toolchain cmake/machine.cmake -DTELEFORM_MACHINE=s390x-linux-gnu ...
 #
-# TELEFORM_MACHINE is the machine's name as Debian's compilers begin with it.
+# TELEFORM_MACHINE is the prefix of Debian's cross-compilers for the architecture.
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES TELEFORM_MACHINE)
 string(REGEX MATCH "^[^-]+" processor ${TELEFORM_MACHINE})
 string(REPLACE i686 i386 emulated ${processor})
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR ${processor})
-set(CMAKE_C_COMPILER ${TELEFORM_MACHINE}-gcc)  # GoogleTest asks for one
+set(CMAKE_C_COMPILER ${TELEFORM_MACHINE}-gcc)  # GoogleTest enables C
 set(CMAKE_CXX_COMPILER ${TELEFORM_MACHINE}-g++)
-# The library path keeps away a C library for the same machine that the builder has for itself.
+# The library path hides a C library of that architecture that is installed on the host.
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-${emulated} -L /usr/${TELEFORM_MACHINE}
   -E LD_LIBRARY_PATH=/usr/${TELEFORM_MACHINE}/lib)
 

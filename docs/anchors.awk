@@ -1,6 +1,7 @@
 #!/usr/bin/awk -f
-# Gives the headings of a Markdown page the anchors by which pages link to them. Doxygen wants them
-# written out, and no two of them alike in all pages; and it links to headers by name, not by path.
+# Input filter of Doxygen for Markdown pages: adds an anchor to each heading and rewrites the links.
+# Doxygen requires explicit anchors that are unique among all pages, and links to an example by
+# reference, not by path.
 FNR == 1 {
   page = FILENAME
   gsub(/^.*\/|\.md$/, "", page)

@@ -1,5 +1,5 @@
 #!/usr/bin/awk -f
-# Names the links of HTML and Markdown pages that lead to no file or, in HTML, to no anchor.
+# Reports links to a missing file in HTML and Markdown pages, and to a missing anchor in HTML.
 FNR == 1 {
   folder = FILENAME
   sub(/[^\/]*$/, "", folder)

@@ -1,9 +1,9 @@
 # shellcheck shell=bash
-# Sourced by the commands beside it: what they share.
+# Functions that the scripts in this folder share by sourcing this file.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-# need PACKAGE...: makes sure that the packages are there, or ends the command and names them.
+# need PACKAGE...: installs the missing packages, or exits and lists them without root.
 need() {
   local missing=() package
   for package; do
@@ -26,7 +26,7 @@ need() {
     install -y --no-install-recommends "${missing[@]}" </dev/null
 }
 
-# updateLists: what packages there are. apt waits for a lock on what is installed, not for this one.
+# updateLists: runs apt-get update. It has no option to wait for the lock of the package lists.
 updateLists() {
   local said
   for _ in {1..120}; do
@@ -38,7 +38,7 @@ updateLists() {
   return 1
 }
 
-# quietly COMMAND...: runs it and shows what it says only if it fails.
+# quietly COMMAND...: runs a command, and exits with its output if it fails.
 quietly() {
   local log
   log=$(mktemp)
@@ -50,7 +50,7 @@ quietly() {
   rm -f "$log"
 }
 
-# sources PATTERN...: the project's own files of these names, in a checkout and in an archive alike.
+# sources PATTERN...: lists the project's files with these names, also without a Git repository.
 sources() {
   local pattern names=()
   for pattern; do names+=(-o -name "$pattern"); done
@@ -58,8 +58,8 @@ sources() {
     -name 'phonebook.db*' \) -prune -o -type f \( "${names[@]:1}" \) -print)
 }
 
-# runTests BUILD [OPTION...]: runs the tests of that build, or those that the options of ctest name,
-# shows which failed or were skipped, and counts them for conclude.
+# runTests BUILD [OPTION...]: runs the tests of a build folder that the ctest options select, prints
+# the failed and skipped ones, and adds to the counts for conclude.
 passed=0 failed=0 skipped=0
 runTests() {
   local log=$1/tests.log all fails skips
@@ -72,7 +72,7 @@ runTests() {
   grep -E 'tests passed|\(Skipped\)' "$log" >&2
 }
 
-# conclude: the closing line; the command fails if a test did.
+# conclude: prints the counts, and fails if a test failed.
 conclude() {
   echo "$passed passed, $failed failed, $skipped skipped"
   [ "$failed" -eq 0 ]
@@ -98,8 +98,8 @@ buildPhonebook() {
   )
 }
 
-# awaitListening PROCESS LOG: waits until the phone book says in its log that it listens; ends the
-# command if the phone book ends.
+# awaitListening PROCESS LOG: waits for the address in the log of the phone book. Exits if the
+# phone book does.
 awaitListening() {
   until grep -q listening "$2"; do
     kill -0 "$1" || exit 1

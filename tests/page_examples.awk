@@ -1,10 +1,10 @@
-# Takes the examples out of Markdown pages. A block of C++ and the block after it belong together:
-# the one leaves in `out`, or prints if it is a whole program, what the other shows.
+# Extracts the examples of Markdown pages. A block of C++ is followed by a block with its result:
+# the value of `out`, or the output of a whole program.
 #
 # Usage: awk -f page_examples.awk PAGE...
-#        prints the source of tests
+#        prints the source of a test for each example
 #        awk -v program=FILE -v printed=FILE -f page_examples.awk PAGE
-#        writes the first program, and what it prints
+#        writes the first program and its expected output
 function finish_block() {
   if (language == "cpp") {
     code = block
