@@ -181,12 +181,13 @@ PageResult Letters(const PageRequest& request) {
 }
 
 PageResult SearchForm(const PageRequest& request) {
-  auto form = ComposeForm(request.maker, {"Search",
-                                          "The beginnings of some words are enough.",
-                                          "Name or department:",
-                                          PageURI(request, "search"),
-                                          "name",
-                                          {{SoftKeyRole::kSubmit}, HomeKey(request)}});
+  auto form =
+      ComposeForm(request.maker, {"Search",
+                                  "The beginnings of some words are enough.",
+                                  "Name or department:",
+                                  PageURI(request, "search"),
+                                  "name",
+                                  {{SoftKeyRole::kSubmit, "", "Search"}, HomeKey(request)}});
   return form != nullptr ? PageResult(std::move(form)) : Letters(request);
 }
 

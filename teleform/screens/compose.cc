@@ -3,7 +3,7 @@
 #include <teleform/teleform.h>
 
 #include <algorithm>
-#include <stdexcept>
+#include <limits>
 #include <string_view>
 
 namespace teleform::screens {
@@ -13,8 +13,9 @@ namespace {
 constexpr std::string_view kLineBreak = "<br/>\n";
 constexpr std::string_view kKeptInNumbers = "+*:@";  // the latter two for SIP addresses
 constexpr int kAlertIndex = 1;
+constexpr int kNoLimit = std::numeric_limits<int>::max();
 
-// What a menu or a list has in one line.
+// An item of a menu or a person of a list.
 struct Line {
   std::string_view text;
   std::string_view uri;
@@ -22,7 +23,7 @@ struct Line {
   std::string_view note{};
 };
 
-// Menus and lists are the same to makers that have no document of their own for each.
+// A menu or a list, for makers that have one document for both.
 struct Lines {
   std::string_view title;
   std::vector<Line> lines;
@@ -49,14 +50,14 @@ std::unique_ptr<IPPhoneTextScreenXML> MakeTextScreen(Maker maker, const std::str
   return nullptr;
 }
 
-std::unique_ptr<IPPhoneMenuXML> MakeMenu(Maker maker, const std::string& title, int maxItems) {
+std::unique_ptr<IPPhoneMenuXML> MakeMenu(Maker maker, const std::string& title) {
   switch (maker) {
     case Maker::kAastra:
-      return std::make_unique<AastraIPPhoneMenu>(title, maxItems);
+      return std::make_unique<AastraIPPhoneMenu>(title, kNoLimit);
     case Maker::kSnom:
-      return std::make_unique<SnomIPPhoneMenu>(title.c_str(), maxItems);
+      return std::make_unique<SnomIPPhoneMenu>(title.c_str(), kNoLimit);
     case Maker::kYealink:
-      return std::make_unique<YealinkIPPhoneMenu>(title.c_str(), maxItems);
+      return std::make_unique<YealinkIPPhoneMenu>(title.c_str(), kNoLimit);
     case Maker::kCisco:
     case Maker::kPolycom:
       break;
@@ -64,17 +65,16 @@ std::unique_ptr<IPPhoneMenuXML> MakeMenu(Maker maker, const std::string& title, 
   return nullptr;
 }
 
-std::unique_ptr<IPPhoneDirectoryXML> MakeDirectory(Maker maker, const std::string& title,
-                                                   int maxItems) {
+std::unique_ptr<IPPhoneDirectoryXML> MakeDirectory(Maker maker, const std::string& title) {
   switch (maker) {
     case Maker::kAastra:
-      return std::make_unique<AastraIPPhoneDirectory>(title.c_str(), maxItems);
+      return std::make_unique<AastraIPPhoneDirectory>(title.c_str(), kNoLimit);
     case Maker::kCisco:
-      return std::make_unique<CiscoIPPhoneDirectory>(title.c_str(), maxItems);
+      return std::make_unique<CiscoIPPhoneDirectory>(title.c_str(), kNoLimit);
     case Maker::kSnom:
-      return std::make_unique<SnomIPPhoneDirectory>(title.c_str(), maxItems);
+      return std::make_unique<SnomIPPhoneDirectory>(title.c_str(), kNoLimit);
     case Maker::kYealink:
-      return std::make_unique<YealinkIPPhoneDirectory>(title.c_str(), maxItems);
+      return std::make_unique<YealinkIPPhoneDirectory>(title.c_str(), kNoLimit);
     case Maker::kPolycom:
       break;
   }
@@ -82,24 +82,40 @@ std::unique_ptr<IPPhoneDirectoryXML> MakeDirectory(Maker maker, const std::strin
 }
 
 std::unique_ptr<IPPhoneInputXML> MakeInput(Maker maker, const std::string& title) {
-  if (maker == Maker::kAastra) return std::make_unique<AastraIPPhoneInput>(title, "string", false);
-  if (maker == Maker::kSnom) return std::make_unique<SnomIPPhoneInput>(title, "a");
+  switch (maker) {
+    case Maker::kAastra:
+      return std::make_unique<AastraIPPhoneInput>(title, "string", false);
+    case Maker::kSnom:
+      return std::make_unique<SnomIPPhoneInput>(title, "a");
+    case Maker::kCisco:
+    case Maker::kPolycom:
+    case Maker::kYealink:
+      break;
+  }
   return nullptr;
 }
 
-// Documents refuse empty texts and URIs.
-std::string EscapeItem(std::string_view text) { return text.empty() ? "-" : EscapeXML(text); }
-
-void ExpectAccepted(bool isAccepted) {
-  if (!isAccepted) throw std::logic_error("a document refused a part of its screen");
-}
+// For items, entries and the parameters of a form: documents refuse empty ones.
+std::string EscapeRequired(std::string_view text) { return text.empty() ? "-" : EscapeXML(text); }
 
 std::string EscapedLabelOf(const SoftKey& key) {
-  return EscapeXML(key.label.empty() ? LabelOf(key.role) : key.label);
+  const std::string_view label = LabelOf(key.role);  // throws for what is no role
+  return EscapeXML(key.label.empty() ? label : key.label);
+}
+
+std::string JoinEscaped(const std::vector<std::string>& lines, std::string_view separator) {
+  std::string joined;
+  std::string_view before;
+  for (const auto& line : lines) {
+    joined += before;
+    joined += EscapeXML(line);
+    before = separator;
+  }
+  return joined;
 }
 
 void AddKeys(IPPhoneXML& document, const std::vector<SoftKey>& keys) {
-  for (const auto& key : keys) AddSoftKey(document, key.role, key.uri, key.label);
+  for (const auto& key : keys) AddSoftKey(document, key);
 }
 
 // The pages before and after, for documents that don't link them by themselves.
@@ -117,7 +133,7 @@ std::vector<SoftKey> PageKeys(const Lines& lines) {
 bool IsHTML(const IPPhoneXML& document) { return document.GetContentType() == "text/html"; }
 
 std::string MakeLink(std::string_view uri, const std::string& escapedText) {
-  return "<a href=\"" + EscapeItem(uri) + "\">" + escapedText + "</a>";
+  return "<a href=\"" + EscapeRequired(uri) + "\">" + escapedText + "</a>";
 }
 
 std::string MakeCallURI(std::string_view scheme, std::string_view telephone) {
@@ -127,12 +143,10 @@ std::string MakeCallURI(std::string_view scheme, std::string_view telephone) {
 std::string MakeLinks(const std::vector<Line>& lines) {
   std::string html;
   for (const auto& line : lines) {
-    const std::string text = EscapeItem(line.text);
-    if (line.telephone.empty()) {
-      html += MakeLink(line.uri, text);
-    } else {
-      html += MakeLink(MakeCallURI("tel:", line.telephone), text) + " " + EscapeXML(line.note);
-    }
+    const std::string text = EscapeRequired(line.text);
+    html += line.telephone.empty() ? MakeLink(line.uri, text)
+                                   : MakeLink(MakeCallURI("tel:", line.telephone), text);
+    if (!line.note.empty()) html += " " + EscapeXML(line.note);
     html += kLineBreak;
   }
   return html;
@@ -141,8 +155,9 @@ std::string MakeLinks(const std::vector<Line>& lines) {
 std::string MakeLinks(const std::vector<SoftKey>& keys) {
   std::string html;
   for (const auto& key : keys) {
+    const std::string label = EscapedLabelOf(key);
     if (key.uri.empty()) continue;
-    html += MakeLink(key.uri, EscapedLabelOf(key));
+    html += MakeLink(key.uri, label);
     html += kLineBreak;
   }
   return html;
@@ -154,32 +169,32 @@ std::string MakeHTMLForm(const Form& form) {
   for (const auto& key : form.keys) {
     if (key.role == submit.role) submit = key;
   }
-  return EscapeXML(form.hint) + "</p>\n<form action=\"" + EscapeXML(form.uri) +
-         "\" method=\"get\"><p><label>" + EscapeXML(form.prompt) + " <input type=\"text\" name=\"" +
-         EscapeXML(form.parameter) + "\"/></label> <input type=\"submit\" value=\"" +
-         EscapedLabelOf(submit) + "\"/></p></form>\n<p>";
+  return EscapeXML(form.hint) + "</p>\n<form action=\"" + EscapeRequired(form.uri) +
+         "\" method=\"get\"><p><label>" + EscapeRequired(form.prompt) +
+         " <input type=\"text\" name=\"" + EscapeRequired(form.parameter) +
+         "\"/></label> <input type=\"submit\" value=\"" + EscapedLabelOf(submit) +
+         "\"/></p></form>\n<p>";
 }
 
 Document ComposeDirectory(Maker maker, const Lines& lines) {
   const bool writesPages = FactsOf(maker).writesPages;
   const std::string title = EscapeXML(lines.title);
-  const auto most = static_cast<int>(lines.lines.size() + lines.keys.size());
-  auto directory = MakeDirectory(maker, title, most);
+  auto directory = MakeDirectory(maker, title);
   if (directory == nullptr) {
     auto screen = MakeTextScreen(maker, title);
     screen->SetText(MakeLinks(lines.lines) + MakeLinks(lines.keys) + MakeLinks(PageKeys(lines)));
     return screen;
   }
   for (const auto& line : lines.lines) {
-    ExpectAccepted(directory->AppendEntry(
-        EscapeItem(line.text), EscapeItem(line.telephone.empty() ? line.uri : line.telephone)));
+    directory->AppendEntry(EscapeRequired(line.text),
+                           EscapeRequired(line.telephone.empty() ? line.uri : line.telephone));
   }
   if (HasSoftKeys(*directory)) {
     AddKeys(*directory, lines.keys);
   } else {
     for (const auto& key : lines.keys) {
-      if (key.uri.empty()) continue;
-      ExpectAccepted(directory->AppendEntry(EscapedLabelOf(key), EscapeXML(key.uri)));
+      const std::string label = EscapedLabelOf(key);
+      if (!key.uri.empty()) directory->AppendEntry(label, EscapeXML(key.uri));
     }
   }
   if (writesPages) {
@@ -199,13 +214,13 @@ bool LoadsAnything(const std::vector<SoftKey>& keys) {
 
 Document ComposeMenu(Maker maker, const Menu& menu) {
   Lines lines{menu.title, {}, menu.keys, menu.previous, menu.next};
-  auto document = MakeMenu(maker, EscapeXML(menu.title), static_cast<int>(menu.items.size()));
+  auto document = MakeMenu(maker, EscapeXML(menu.title));
   if (document == nullptr) {
     for (const auto& item : menu.items) lines.lines.push_back({item.text, item.uri});
     return ComposeDirectory(maker, lines);
   }
   for (const auto& item : menu.items) {
-    ExpectAccepted(document->AppendItem(EscapeItem(item.text), EscapeItem(item.uri)));
+    document->AppendItem(EscapeRequired(item.text), EscapeRequired(item.uri));
   }
   AddKeys(*document, menu.keys);
   AddKeys(*document, PageKeys(lines));
@@ -229,24 +244,20 @@ Document ComposeText(Maker maker, const Text& text) {
     for (const auto& line : text.lines) lines.lines.push_back({line, text.target});
     return ComposeDirectory(maker, lines);
   }
-  std::string body;
-  for (const auto& line : text.lines) {
-    if (!body.empty()) body += IsHTML(*screen) ? kLineBreak : "\n";
-    body += EscapeXML(line);
-  }
   if (IsHTML(*screen)) {
-    body += kLineBreak;
-    body += MakeLinks(text.keys);
+    screen->SetText(JoinEscaped(text.lines, kLineBreak) + std::string(kLineBreak) +
+                    MakeLinks(text.keys));
+  } else {
+    screen->SetText(JoinEscaped(text.lines, "\n"));
   }
-  screen->SetText(body);
   AddKeys(*screen, text.keys);
   return screen;
 }
 
 Document ComposeForm(Maker maker, const Form& form) {
   if (auto input = MakeInput(maker, EscapeXML(form.title))) {
-    ExpectAccepted(input->SetParams(
-        EscapeItem(form.prompt), EscapeItem(form.uri), EscapeItem(form.parameter), ""));
+    input->SetParams(
+        EscapeRequired(form.prompt), EscapeRequired(form.uri), EscapeRequired(form.parameter), "");
     AddKeys(*input, form.keys);
     return input;
   }
@@ -257,9 +268,10 @@ Document ComposeForm(Maker maker, const Form& form) {
 }
 
 Document ComposeCall(Maker maker, const Call& call) {
-  const auto& [name, telephone, note] = call.person;
-  if (maker != Maker::kAastra) return ComposeList(maker, {name, {call.person}, call.keys});
-  auto execute = std::make_unique<AastraIPPhoneExecute>(EscapeXML(MakeCallURI("Dial:", telephone)));
+  const Person& person = call.person;
+  if (maker != Maker::kAastra) return ComposeList(maker, {person.name, {person}, call.keys});
+  // Percent-encoding leaves nothing to escape.
+  auto execute = std::make_unique<AastraIPPhoneExecute>(MakeCallURI("Dial:", person.telephone));
   AddKeys(*execute, call.keys);
   return execute;
 }
@@ -267,13 +279,13 @@ Document ComposeCall(Maker maker, const Call& call) {
 Document ComposeAlert(Maker maker, const Alert& alert) {
   if (maker != Maker::kAastra) return ComposeText(maker, alert.text);
   auto status = std::make_unique<AastraIPPhoneStatus>();
-  std::string message;
-  for (const auto& line : alert.text.lines) {
-    message += (message.empty() ? "" : " ") + EscapeXML(line);
-  }
   const auto type =
       alert.isUrgent ? IPPhoneStatusXML::MsgTypeAlert : IPPhoneStatusXML::MsgTypeNormal;
-  status->SetMessage(EscapeXML(alert.session), message, kAlertIndex, type, alert.timeout);
+  status->SetMessage(EscapeXML(alert.session),
+                     JoinEscaped(alert.text.lines, " "),
+                     kAlertIndex,
+                     type,
+                     alert.timeout);
   if (alert.isUrgent) status->SetAttributes(AttrBeep);
   AddKeys(*status, alert.text.keys);
   return status;

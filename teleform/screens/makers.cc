@@ -8,8 +8,8 @@ namespace teleform::screens {
 
 namespace {
 
-// The table of the makers. The compiler refuses a switch that lacks an enumerator.
-constexpr MakerFacts FactsFor(Maker maker) {
+// The table of the makers. -Werror=switch refuses it when it lacks one of them.
+consteval MakerFacts FactsFor(Maker maker) {
   switch (maker) {
     case Maker::kAastra:
       return {maker, "Aastra", "aastra", 15, true};
@@ -25,13 +25,13 @@ constexpr MakerFacts FactsFor(Maker maker) {
   return {};
 }
 
-constexpr std::size_t CountMakers() {
+consteval std::size_t CountMakers() {
   std::size_t count = 0;
   while (!FactsFor(static_cast<Maker>(count)).name.empty()) ++count;
   return count;
 }
 
-constexpr std::array<MakerFacts, CountMakers()> MakeTable() {
+consteval std::array<MakerFacts, CountMakers()> MakeTable() {
   std::array<MakerFacts, CountMakers()> table{};
   for (std::size_t i = 0; i < table.size(); ++i) table[i] = FactsFor(static_cast<Maker>(i));
   return table;

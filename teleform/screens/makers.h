@@ -1,9 +1,9 @@
 /// @file
 /// The makers whose phones the library composes documents for, and what a server must know of each.
 ///
-/// Throughout `teleform::screens`: functions may be called from any thread, and distinct documents
-/// may be used on different threads at the same time. A value outside an enumeration is refused
-/// with `std::invalid_argument`.
+/// Throughout `teleform::screens`: functions may be called from any thread at the same time, but no
+/// document may be used on two threads. A value outside an enumeration is refused with
+/// `std::invalid_argument`.
 #pragma once
 
 #include <teleform/core/export.h>
@@ -39,14 +39,15 @@ struct MakerRange {
 TELEFORM_EXPORT MakerRange AllMakers() noexcept;
 
 /// The facts of `maker`; they live as long as the program.
-/// @throws std::invalid_argument when `maker` is no maker.
+/// @throws std::invalid_argument when `maker` is outside its enumeration.
 TELEFORM_EXPORT const MakerFacts& FactsOf(Maker maker);
 
-/// The maker whose slug is exactly `slug`, if there is one.
+/// The maker whose slug is exactly `slug`, case included; none for an empty slug.
 TELEFORM_EXPORT std::optional<Maker> MakerOfSlug(std::string_view slug) noexcept;
 
-/// The maker whose name stands in `userAgent`, the value of a request's User-Agent field, in upper
-/// or lower case; of several makers the first in the order of the enumeration.
+/// The maker whose name occurs in `userAgent`, the value of a request's User-Agent field, which may
+/// hold any bytes. The case of ASCII letters does not matter. Of several makers the first in the
+/// order of the enumeration is returned; of an empty field, none.
 TELEFORM_EXPORT std::optional<Maker> MakerOfUserAgent(std::string_view userAgent) noexcept;
 
 }  // namespace teleform::screens

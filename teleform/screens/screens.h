@@ -2,9 +2,10 @@
 /// What a screen shows, said once for the phones of all makers: `compose.h` makes documents of it.
 ///
 /// Texts are given as people wrote them, in UTF-8, and URIs as they are requested: composing
-/// escapes them. A text or URI of an item that is empty becomes "-", as documents refuse empty
-/// ones. Soft keys are added in their order, by `AddSoftKey`; those that a document can't have are
-/// left out.
+/// escapes them with `EscapeXML`, which replaces control characters, NULs and invalid bytes. An
+/// empty text or URI of an item, a person or a form's field becomes "-", as documents refuse empty
+/// ones; titles, lines and hints may be empty. Soft keys are added in their order, by `AddSoftKey`;
+/// those that a document can't have are left out.
 #pragma once
 
 #include <teleform/screens/soft_keys.h>
@@ -33,7 +34,7 @@ struct Menu {
 struct Person {
   std::string name{};
   std::string telephone{};  ///< What the phone dials: a number or a SIP address.
-  std::string note{};       ///< Shown behind the name where the document has room for it.
+  std::string note{};       ///< Shown behind the name where the document has room, that is in HTML.
 };
 
 /// A list of people, each of whom is called by choosing them.
@@ -49,14 +50,14 @@ struct List {
 struct Text {
   std::string title{};
   std::vector<std::string> lines{};
-  std::string target{};  ///< A URI or number: where a line leads, if lines become items of a list.
+  std::string target{};  ///< A URI or number: where each line leads if it becomes an entry.
   std::vector<SoftKey> keys{};
 };
 
 /// A form with one field.
 struct Form {
   std::string title{};
-  std::string hint{};  ///< Shown above the field where the document has room for it.
+  std::string hint{};  ///< Shown above the field where the document has room, that is in HTML.
   std::string prompt{};
   std::string uri{};        ///< Where the phone sends the value; it has no query.
   std::string parameter{};  ///< The name of the value in the query.
@@ -66,15 +67,19 @@ struct Form {
 /// A call that the phone starts by itself, or else offers.
 struct Call {
   Person person{};
-  std::vector<SoftKey> keys{};  ///< Where the document has them.
+  std::vector<SoftKey> keys{};
 };
 
 /// A message on top of what the phone shows.
 struct Alert {
   Text text{};
-  bool isUrgent = true;   ///< Whether the phone beeps and shows it as an alert.
-  std::string session{};  ///< A later alert of the same session replaces this one.
-  int timeout = 10;       ///< For how many seconds an urgent one is shown.
+  /// @name What only a status says
+  /// Aastra phones know it; a text screen leaves it out.
+  /// @{
+  bool isUrgent = true;   ///< Whether the phone beeps and shows the message as an alert.
+  std::string session{};  ///< A later message of the same session replaces this one.
+  int timeout = 10;       ///< Seconds for which an urgent message is shown, if above 0.
+  /// @}
 };
 
 }  // namespace teleform::screens

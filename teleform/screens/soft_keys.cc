@@ -20,7 +20,7 @@ struct RoleFacts {
   YealinkSoftKeyCommands yealink;
 };
 
-// The table of the roles. The compiler refuses a switch that lacks an enumerator.
+// The table of the roles. -Werror=switch refuses it when it lacks one of them.
 RoleFacts FactsFor(SoftKeyRole role) {
   switch (role) {
     case SoftKeyRole::kSelect:
@@ -32,7 +32,7 @@ RoleFacts FactsFor(SoftKeyRole role) {
     case SoftKeyRole::kDial:
       return {"Dial", 1, AASTRA_SK_DIAL, SNOM_SK_F_MINIBROWSER_DIAL, YEALINK_SK_F_MINIBROWSER_DIAL};
     case SoftKeyRole::kSubmit:
-      return {"Search", 1, AASTRA_SK_SUBMIT, SNOM_SK_ENTER, YEALINK_SK_ENTER};
+      return {"Submit", 1, AASTRA_SK_SUBMIT, SNOM_SK_ENTER, YEALINK_SK_ENTER};
     case SoftKeyRole::kPrevious:
       return {"Previous", 2, {}, SNOM_SK_LEFT, YEALINK_SK_LEFT};
     case SoftKeyRole::kNext:
@@ -44,7 +44,7 @@ RoleFacts FactsFor(SoftKeyRole role) {
     case SoftKeyRole::kExit:
       return {"Exit", 6, AASTRA_SK_EXIT, SNOM_SK_F_MINIBROWSER_EXIT, YEALINK_SK_F_MINIBROWSER_EXIT};
   }
-  throw std::invalid_argument("no such soft key");
+  throw std::invalid_argument("no such role of a soft key");
 }
 
 // A holder keeps its keys from all but the classes that derive from it.
@@ -53,33 +53,31 @@ struct Keys : Holder {
   static auto& Of(Holder& holder) { return holder.*(&Keys::softKeys); }
 };
 
-bool Add(AastraIPPhone& holder, const RoleFacts& role, std::string_view uri,
-         std::string_view label) {
-  if (uri.empty() && !role.aastraCommand) return false;
+bool Add(AastraIPPhone& holder, const RoleFacts& role, const SoftKey& key) {
+  if (key.uri.empty() && !role.aastraCommand) return false;
   constexpr int kPlaces = 6;
   const auto& keys = Keys<AastraIPPhone>::Of(holder);
   const auto isTaken = [&](int index) {
-    return std::any_of(keys.begin(), keys.end(), [&](const AastraSoftKey& key) {
-      return key.GetIndex() == index;
-    });
+    return std::any_of(
+        keys.begin(), keys.end(), [&](const auto& other) { return other.GetIndex() == index; });
   };
   int index = role.aastraIndex;
   if (isTaken(index)) {
     for (index = 1; index <= kPlaces && isTaken(index);) ++index;
   }
-  const std::string text = EscapeXML(label.empty() ? role.label : label);
-  return uri.empty() ? holder.AddSoftKey(index, text.c_str(), *role.aastraCommand)
-                     : holder.AddSoftKey(index, text.c_str(), EscapeXML(uri).c_str());
+  const std::string label = EscapeXML(key.label.empty() ? role.label : key.label);
+  return key.uri.empty() ? holder.AddSoftKey(index, label.c_str(), *role.aastraCommand)
+                         : holder.AddSoftKey(index, label.c_str(), EscapeXML(key.uri).c_str());
 }
 
-// A key of a maker whose phones name the keys that they have.
+// A key of a maker whose phones name the keys that they have. Only an added key tells its name.
 template <typename Holder, typename Command>
-bool AddNamed(Holder& holder, Command command, std::string_view uri) {
-  if (uri.empty()) return false;
-  holder.AddSoftKey(command, EscapeXML(uri).c_str());
+bool Add(Holder& holder, Command command, const SoftKey& key) {
+  if (key.uri.empty()) return false;
+  holder.AddSoftKey(command, EscapeXML(key.uri).c_str());
   auto& keys = Keys<Holder>::Of(holder);
-  const auto same = std::find_if(keys.begin(), keys.end(), [&](const auto& key) {
-    return key.GetName() == keys.back().GetName();
+  const auto same = std::find_if(keys.begin(), keys.end(), [&](const auto& other) {
+    return other.GetName() == keys.back().GetName();
   });
   const bool isNew = same + 1 == keys.end();
   if (!isNew) keys.pop_back();
@@ -96,16 +94,13 @@ bool HasSoftKeys(const IPPhoneXML& document) noexcept {
          dynamic_cast<const YealinkIPPhone*>(&document) != nullptr;
 }
 
-bool AddSoftKey(IPPhoneXML& document, SoftKeyRole role, std::string_view uri,
-                std::string_view label) {
-  const RoleFacts facts = FactsFor(role);
+bool AddSoftKey(IPPhoneXML& document, const SoftKey& key) {
+  const RoleFacts role = FactsFor(key.role);
   // The makers' holders are bases beside the kind, which knows of none.
-  if (auto* aastra = dynamic_cast<AastraIPPhone*>(&document)) {
-    return Add(*aastra, facts, uri, label);
-  }
-  if (auto* snom = dynamic_cast<SnomIPPhone*>(&document)) return AddNamed(*snom, facts.snom, uri);
+  if (auto* aastra = dynamic_cast<AastraIPPhone*>(&document)) return Add(*aastra, role, key);
+  if (auto* snom = dynamic_cast<SnomIPPhone*>(&document)) return Add(*snom, role.snom, key);
   if (auto* yealink = dynamic_cast<YealinkIPPhone*>(&document)) {
-    return AddNamed(*yealink, facts.yealink, uri);
+    return Add(*yealink, role.yealink, key);
   }
   return false;
 }

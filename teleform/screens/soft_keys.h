@@ -1,5 +1,5 @@
 /// @file
-/// Soft keys by what they do: each maker has a place or a name for it.
+/// Soft keys by what they do. Each maker has a place or a name for each role.
 #pragma once
 
 #include <teleform/core/documents.h>
@@ -16,28 +16,32 @@ enum class SoftKeyRole : int { kSelect, kDial, kSubmit, kPrevious, kNext, kSearc
 /// A soft key of a screen.
 struct SoftKey {
   SoftKeyRole role{};
-  std::string uri{};    ///< What the key loads; empty for what the phone does by itself.
+  std::string uri{};    ///< What the key loads; empty for the phone's built-in action.
   std::string label{};  ///< What the key shows, where it has a text; empty for `LabelOf(role)`.
 };
 
-/// The English label of a key, such as "Select"; it ends at a NUL and lives as long as the program.
-/// @throws std::invalid_argument when `role` is no role.
+/// The English label of a role, such as "Select". It is never empty, is followed by a NUL, and
+/// lives as long as the program.
+/// @throws std::invalid_argument when `role` is outside its enumeration.
 TELEFORM_EXPORT std::string_view LabelOf(SoftKeyRole role);
 
 /// Whether the maker of `document` has soft keys for such a document.
 TELEFORM_EXPORT bool HasSoftKeys(const IPPhoneXML& document) noexcept;
 
-/// Adds a soft key to a document of any maker, in the place or under the name that the maker has
-/// for the role. On Aastra phones, which have six places, a key whose place is taken gets the first
-/// free one. `EscapeXML` makes the texts well-formed.
-/// @param uri what the key loads, not escaped; empty for what the phone does by itself, which only
-/// Aastra phones can, and only when selecting, dialling, submitting and leaving.
-/// @param label what the key shows on Aastra phones, not escaped; empty for `LabelOf(role)`.
+/// Adds a soft key to a document of any maker.
+///
+/// - Aastra: in the role's place among six, or in the first free place if that one is taken. An
+///   empty URI stands for the built-in action; only `kSelect`, `kDial`, `kSubmit` and `kExit` have
+///   one.
+/// - Snom and Yealink: under the name that their phones have for the role. They show their own
+///   labels and have no built-in actions, so that a key needs a URI.
+/// - All other documents have no soft keys.
+///
+/// `EscapeXML` makes the URI and the label well-formed, whatever bytes they hold.
 /// @return false, and the document is unchanged, when it can't have such a key, when it has one of
 /// that name already, or when all places are taken.
-/// @throws std::bad_alloc when memory runs out, and std::invalid_argument when `role` is no role;
-/// the document is unchanged.
-TELEFORM_EXPORT bool AddSoftKey(IPPhoneXML& document, SoftKeyRole role, std::string_view uri,
-                                std::string_view label = {});
+/// @throws std::bad_alloc when memory runs out, and `std::invalid_argument` when `key.role` is
+/// outside its enumeration, whatever the document; the document is unchanged.
+TELEFORM_EXPORT bool AddSoftKey(IPPhoneXML& document, const SoftKey& key);
 
 }  // namespace teleform::screens
