@@ -1,38 +1,398 @@
-// The screens: what every maker gets, and what hostile text becomes.
-#include <gtest/gtest.h>
-#include <teleform/screens/compose.h>
-#include <teleform/screens/escape.h>
+// The screens: what each maker's phones get, whatever a screen holds.
+#include "screens.h"
 
+#include <gtest/gtest.h>
+#include <teleform/screens/escape.h>
+#include <teleform/teleform.h>
+
+#include <algorithm>
 #include <map>
-#include <string>
+#include <new>
+#include <sstream>
+#include <stdexcept>
+
+#include "allocations.h"
+#include "documents.h"
 
 namespace teleform::screens {
 
+using std::string_literals::operator""s;
+
+const std::vector<SampleText> kSampleTexts = {
+    {"", "", ""},
+    {"R&D <\"x\">'", "R&amp;D &lt;&quot;x&quot;&gt;'", "R%26D%20%3C%22x%22%3E%27"},
+    {"&amp;]]>", "&amp;amp;]]&gt;", "%26amp%3B%5D%5D%3E"},
+    {"sip:+aZ0-._~*@ä%/?=", "sip:+aZ0-._~*@ä%/?=", "sip:+aZ0-._~*@%C3%A4%25%2F%3F%3D"},
+    {"\t\n", "\t\n", "%09%0A"},
+    {"\0\x01\x1f\r\x7f\xc2\x80\xc2\x9f"s, "       ", "%00%01%1F%0D%7F%C2%80%C2%9F"},
+    // The first and the last character of each length, and those around what is no character.
+    {"\xc2\xa0\xdf\xbf\xe0\xa0\x80", "\xc2\xa0\xdf\xbf\xe0\xa0\x80", "%C2%A0%DF%BF%E0%A0%80"},
+    {"\xed\x9f\xbf\xee\x80\x80", "\xed\x9f\xbf\xee\x80\x80", "%ED%9F%BF%EE%80%80"},
+    {"\xef\xbf\xbd\xf0\x90\x80\x80", "\xef\xbf\xbd\xf0\x90\x80\x80", "%EF%BF%BD%F0%90%80%80"},
+    {"\xf4\x8f\xbf\xbf", "\xf4\x8f\xbf\xbf", "%F4%8F%BF%BF"},
+    // Overlong, surrogates, forbidden, beyond the last, cut off.
+    {"\xc1\xbf", "\uFFFD\uFFFD", "%C1%BF"},
+    {"\xe0\x9f\xbf", "\uFFFD\uFFFD\uFFFD", "%E0%9F%BF"},
+    {"\xf0\x8f\xbf\xbf", "\uFFFD\uFFFD\uFFFD\uFFFD", "%F0%8F%BF%BF"},
+    {"\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD", "%ED%A0%80"},
+    {"\xed\xbf\xbf", "\uFFFD\uFFFD\uFFFD", "%ED%BF%BF"},
+    {"\xef\xbf\xbe", "\uFFFD\uFFFD\uFFFD", "%EF%BF%BE"},
+    {"\xef\xbf\xbf", "\uFFFD\uFFFD\uFFFD", "%EF%BF%BF"},
+    {"\xf4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD", "%F4%90%80%80"},
+    {"\xf5\xff", "\uFFFD\uFFFD", "%F5%FF"},
+    {"caf\xe9 \xe2\x82", "caf\uFFFD \uFFFD\uFFFD", "caf%E9%20%E2%82"},
+};
+
+const std::vector<SampleScreen> kSampleScreens = {
+    {"menu",
+     [](Maker maker, const auto& text, const auto& keys) {
+       return ComposeMenu(maker, {text, {{text, text}, {text, text}}, keys, text, text});
+     }},
+    {"list",
+     [](Maker maker, const auto& text, const auto& keys) {
+       return ComposeList(maker, {text, {{text, text, text}}, keys, text, text});
+     }},
+    {"text",
+     [](Maker maker, const auto& text, const auto& keys) {
+       return ComposeText(maker, {text, {text, text}, text, keys});
+     }},
+    {"form",
+     [](Maker maker, const auto& text, const auto& keys) {
+       return ComposeForm(maker, {text, text, text, text, text, keys});
+     }},
+    {"call",
+     [](Maker maker, const auto& text, const auto& keys) {
+       return ComposeCall(maker, {{text, text, text}, keys});
+     }},
+    {"alert",
+     [](Maker maker, const auto& text, const auto& keys) {
+       return ComposeAlert(maker, {{text, {text, text}, text, keys}, true, text, 30});
+     }},
+};
+
+std::vector<SoftKey> SampleKeys(const std::string& text) {
+  return {{SoftKeyRole::kSelect}, {SoftKeyRole::kHome, text, text}};
+}
+
 namespace {
 
-TEST(Escape, MakesAnyBytesWellFormed) {
-  const std::map<std::string, std::string> expected = {
-      {"", ""},
-      {"plain \t\n", "plain \t\n"},
-      {"<a href=\"x\">&amp;'", "&lt;a href=&quot;x&quot;&gt;&amp;amp;'"},
-      {std::string("\0\x01\x1f\r\x7f\xc2\x80\xc2\x9f", 9), "       "},
-      {"\xc2\xa0\xdf\xbf\xe0\xa0\x80\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbd\xf0\x90\x80\x80\xf4\x8f"
-       "\xbf\xbf",
-       "\xc2\xa0\xdf\xbf\xe0\xa0\x80\xed\x9f\xbf\xee\x80\x80\xef\xbf\xbd\xf0\x90\x80\x80\xf4\x8f"
-       "\xbf\xbf"},
-      {"\xc1\xbf", "\uFFFD\uFFFD"},
-      {"\xe0\x9f\xbf", "\uFFFD\uFFFD\uFFFD"},
-      {"\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD"},
-      {"\xef\xbf\xbf", "\uFFFD\uFFFD\uFFFD"},
-      {"\xf0\x8f\xbf\xbf", "\uFFFD\uFFFD\uFFFD\uFFFD"},
-      {"\xf4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD"},
-      {"caf\xe9 \xe2\x82", "caf\uFFFD \uFFFD\uFFFD"},
-  };
-  for (const auto& [text, escaped] : expected) {
-    EXPECT_EQ(EscapeXML(text), escaped);
+// == Documents ==
+
+// What each maker's phones get for each screen, and the parts that these documents share, which may
+// depend on whether the texts of the screen are empty. A bar stands for a line feed, a name in
+// braces for a part or a text. Nothing stands for no document.
+constexpr const char* kDocuments = R"(
+menu Aastra:   <AastraIPPhoneTextMenu>|{title}{item}{item}{keys}{pageKeys}</AastraIPPhoneTextMenu>|
+menu Cisco:    <{directory}{pages}>|{title}{entry}{entry}{keyEntry}</{directory}>|
+menu Polycom:  {head}{link}{link}{keyLink}{pageLinks}{foot}
+menu Snom:     <{directory}>|{title}{entry}{entry}{keyItem}{pageItems}</{directory}>|
+menu Yealink:  {menu Snom}
+list Aastra:   <{directory}{pages}>|{title}{item}{keys}</{directory}>|
+list Cisco:    <{directory}{pages}>|{title}{entry}{keyEntry}</{directory}>|
+list Polycom:  {head}{person}{keyLink}{pageLinks}{foot}
+list Snom:     <{directory}>|{title}{entry}{keyItem}{pageItems}</{directory}>|
+list Yealink:  {list Snom}
+text Aastra:   <AastraIPPhoneTextScreen>|{title}{lines}{keys}</AastraIPPhoneTextScreen>|
+text Cisco:    <{directory}>|{title}{entry}{entry}{keyEntry}</{directory}>|
+text Polycom:  {head}{text}<br/>|{text}<br/>|{keyLink}{foot}
+text Snom:     <SnomIPPhoneText>|{title}{lines}{keyItem}</SnomIPPhoneText>|
+form Aastra:   <AastraIPPhoneInputScreen type = "string">|{title}{formHead}<Parameter>{given}
+               </Parameter>|<Default></Default>|{keys}</AastraIPPhoneInputScreen>|
+form Cisco:
+form Polycom:  {head}{text}</p>|<form action="{given}" method="get"><p><label>{given}
+                <input type="text" name="{given}"/></label>
+                <input type="submit" value="Submit"/></p></form>|<p>{keyLink}{foot}
+form Snom:     <SnomIPPhoneInput>|{title}{formHead}<InputItem>|<DisplayName>{given}</DisplayName>|
+               <QueryStringParam>{given}</QueryStringParam>|<DefaultValue></DefaultValue>|
+               <InputFlags>a</InputFlags>|</InputItem>|{keyItem}</SnomIPPhoneInput>|
+form Yealink:
+call Aastra:   <AastraIPPhoneExecute>|<ExecuteItem URI="Dial:{number}"/>|{keys}
+               </AastraIPPhoneExecute>|
+call Cisco:    <{directory}>|{title}{entry}{keyEntry}</{directory}>|
+call Polycom:  {head}{person}{keyLink}{foot}
+call Snom:     <{directory}>|{title}{entry}{keyItem}</{directory}>|
+call Yealink:  {call Snom}
+alert Aastra:  <AastraIPPhoneStatus Beep = "yes">|<Session>{text}</Session>|
+               <Message index="1" type="alert" Timeout="30">|{text} {text}</Message>|{keys}
+               </AastraIPPhoneStatus>|
+alert Cisco:   {text Cisco}
+alert Polycom: {text Polycom}
+alert Snom:    {text Snom}
+alert Yealink: {text Yealink}
+title:         <Title>{text}</Title>|
+lines:         <Text>{text}|{text}</Text>|
+formHead:      <Prompt>{given}</Prompt>|<URL>{given}</URL>|
+item:          <MenuItem>|<Prompt>{given}</Prompt>|<URI>{given}</URI>|</MenuItem>|
+entry:         <DirectoryEntry>|<Name>{given}</Name>|<Telephone>{given}</Telephone>|
+               </DirectoryEntry>|
+link:          <a href="{given}">{given}</a><br/>|
+head:          <html>|<Title>{text}</Title>|<body>|<p>
+foot:          </p>|</body>|</html>|
+keys:          <SoftKey index = "1">|<Label>Select</Label>|<URI>SoftKey:Select</URI>|</SoftKey>|
+               {homeKey}
+)";
+constexpr const char* kPartsOfEmptyScreens = R"(
+text Yealink:  <YealinkIPPhoneText>|{title}{lines}</YealinkIPPhoneText>|
+person:        {link}
+)";
+constexpr const char* kPartsOfOtherScreens = R"(
+text Yealink:  <{directory}>|{title}{entry}{entry}{keyItem}</{directory}>|
+person:        <a href="tel:{number}">{given}</a> {text}<br/>|
+pages:          previous="{text}" next="{text}"
+homeKey:       <SoftKey index = "5">|<Label>{text}</Label>|<URI>{text}</URI>|</SoftKey>|
+pageKeys:      <SoftKey index = "2">|<Label>Previous</Label>|<URI>{text}</URI>|</SoftKey>|
+               <SoftKey index = "3">|<Label>Next</Label>|<URI>{text}</URI>|</SoftKey>|
+keyEntry:      {entry}
+keyLink:       {link}
+pageLinks:     <a href="{text}">Previous</a><br/>|<a href="{text}">Next</a><br/>|
+keyItem:       <SoftKeyItem>|<Name>CANCEL</Name>|<URL>{text}</URL>|</SoftKeyItem>|
+pageItems:     <SoftKeyItem>|<Name>LEFT</Name>|<URL>{text}</URL>|</SoftKeyItem>|
+               <SoftKeyItem>|<Name>RIGHT</Name>|<URL>{text}</URL>|</SoftKeyItem>|
+)";
+
+using Fields = std::map<std::string, std::string>;
+
+// Adds the rows of a table, whose second column begins at a fixed place and may go on below.
+void AddRows(Fields& fields, const std::string& table) {
+  constexpr std::size_t kSecondColumn = 15;
+  std::istringstream lines(table);
+  std::string name;
+  for (std::string line; std::getline(lines, line);) {
+    const auto colon = line.find(':');
+    if (!line.empty() && line.front() != ' ') name = line.substr(0, colon);
+    if (line.size() > kSecondColumn) fields[name] += line.substr(kSecondColumn);
   }
-  EXPECT_EQ(PercentEncode("aZ0-._~ +&=?/%ä", "+"), "aZ0-._~%20+%26%3D%3F%2F%25%C3%A4");
-  EXPECT_EQ(PercentDecode("%41+%4%zz%", true), "A %4%zz%");
+}
+
+std::string ExpectedDocument(const std::string& screen, const MakerFacts& maker,
+                             const SampleText& sample) {
+  const bool isEmpty = sample.text.empty();
+  Fields parts = {{"directory", std::string(maker.name) + "IPPhoneDirectory"}};
+  for (const char* const text : {"text", "given", "number"}) parts[text] = "{"s + text + "}";
+  AddRows(parts, kDocuments);
+  AddRows(parts, isEmpty ? kPartsOfEmptyScreens : kPartsOfOtherScreens);
+  std::string document = parts[screen + " " + std::string(maker.name)];
+  for (int depth = 0; depth < 4; ++depth) document = Filled(document, parts);
+  std::replace(document.begin(), document.end(), '|', '\n');
+  return Filled(document, {{"text", sample.escaped},
+                           {"given", isEmpty ? "-" : sample.escaped},
+                           {"number", sample.encoded}});
+}
+
+TEST(Screens, BecomeTheNearestDocumentOfEachMakerWhateverTheyHold) {
+  for (const auto& sample : kSampleTexts) {
+    for (const auto& screen : kSampleScreens) {
+      for (const auto& maker : AllMakers()) {
+        SCOPED_TRACE(screen.name + " for "s + std::string(maker.name) + ": " + sample.text);
+        const auto document = screen.compose(maker.maker, sample.text, SampleKeys(sample.text));
+        EXPECT_EQ(document == nullptr ? "" : Rendered(*document),
+                  ExpectedDocument(screen.name, maker, sample));
+      }
+    }
+  }
+}
+
+TEST(Screens, HaveOptionalParts) {
+  const auto expectPart = [](const Document& document, const char* part) {
+    EXPECT_NE(Rendered(*document).find(part), std::string::npos) << Rendered(*document);
+  };
+  expectPart(ComposeList(Maker::kPolycom, {"", {{"Ann", "1"}}}), "<a href=\"tel:1\">Ann</a><br/>");
+  expectPart(ComposeList(Maker::kPolycom, {"", {{"Bob", "", "away"}}}), "Bob</a> away<br/>");
+  expectPart(ComposeForm(Maker::kPolycom, {"", "", "", "", "", {{SoftKeyRole::kSubmit, "", "Go"}}}),
+             "<input type=\"submit\" value=\"Go\"/>");
+  expectPart(ComposeAlert(Maker::kAastra, {{"", {"Lunch"}}, false}),
+             "<AastraIPPhoneStatus>\n<Session></Session>\n<Message index=\"1\">\nLunch</Message>");
+}
+
+TEST(Screens, RefuseWhatIsOutsideTheEnumerations) {
+  for (const auto& screen : kSampleScreens) {
+    for (const int maker : {-1, static_cast<int>(AllMakers().size())}) {
+      EXPECT_THROW(screen.compose(static_cast<Maker>(maker), "", {}), std::invalid_argument);
+    }
+    for (const auto& facts : AllMakers()) {
+      if (screen.compose(facts.maker, "", {}) == nullptr) continue;
+      for (const int role : {-1, static_cast<int>(SoftKeyRole::kExit) + 1}) {
+        const SoftKey key = {static_cast<SoftKeyRole>(role), "", "label"};
+        EXPECT_THROW(screen.compose(facts.maker, "", {key}), std::invalid_argument)
+            << screen.name << " for " << facts.name;
+      }
+    }
+  }
+}
+
+// == Soft keys ==
+
+std::string KeysOf(IPPhoneXML& document) {
+  const std::string text = Rendered(document);
+  const auto begin = std::min(text.find("<SoftKey"), text.rfind("</"));
+  return text.substr(begin, text.rfind("</") - begin);
+}
+
+TEST(SoftKeysOfScreens, HaveAPlaceOrANameForEachRole) {
+  const struct {
+    SoftKeyRole role;
+    const char *label, *aastraIndex, *builtIn, *name;
+  } rows[] = {
+      {SoftKeyRole::kSelect, "Select", "1", "SoftKey:Select", "F_MINIBROWSER_SELECT"},
+      {SoftKeyRole::kDial, "Dial", "1", "SoftKey:Dial", "F_MINIBROWSER_DIAL"},
+      {SoftKeyRole::kSubmit, "Submit", "1", "SoftKey:Submit", "ENTER"},
+      {SoftKeyRole::kPrevious, "Previous", "2", nullptr, "LEFT"},
+      {SoftKeyRole::kNext, "Next", "3", nullptr, "RIGHT"},
+      {SoftKeyRole::kSearch, "Search", "4", nullptr, "F_MINIBROWSER_SEARCH"},
+      {SoftKeyRole::kHome, "Home", "5", nullptr, "CANCEL"},
+      {SoftKeyRole::kExit, "Exit", "6", "SoftKey:Exit", "F_MINIBROWSER_EXIT"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.label);
+    for (const bool isBuiltIn : {true, false}) {
+      AastraIPPhoneTextScreen aastra("");
+      const SoftKey key = {row.role, isBuiltIn ? "" : "uri"};
+      EXPECT_EQ(AddSoftKey(aastra, key), !isBuiltIn || row.builtIn != nullptr);
+      const auto* const uri = isBuiltIn ? row.builtIn : "uri";
+      EXPECT_EQ(KeysOf(aastra),
+                uri == nullptr ? ""
+                               : "<SoftKey index = \""s + row.aastraIndex + "\">\n<Label>" +
+                                     row.label + "</Label>\n<URI>" + uri + "</URI>\n</SoftKey>\n");
+      SnomIPPhoneTextScreen snom("");
+      YealinkIPPhoneDirectory yealink("", 0);
+      for (IPPhoneXML* const document :
+           {static_cast<IPPhoneXML*>(&snom), static_cast<IPPhoneXML*>(&yealink)}) {
+        EXPECT_EQ(AddSoftKey(*document, key), !isBuiltIn);
+        EXPECT_EQ(KeysOf(*document), isBuiltIn ? ""
+                                               : "<SoftKeyItem>\n<Name>"s + row.name +
+                                                     "</Name>\n<URL>uri</URL>\n</SoftKeyItem>\n");
+      }
+    }
+  }
+}
+
+TEST(SoftKeysOfScreens, LeaveTheDocumentAsItIsWhenRefused) {
+  AastraIPPhoneTextScreen full("");
+  std::string places;
+  for (const char* const place : {"3", "1", "2", "4", "5", "6"}) {  // the role's, then the free
+    EXPECT_TRUE(AddSoftKey(full, {SoftKeyRole::kNext, "uri", place}));
+    places += "<SoftKey index = \""s + place + "\">\n<Label>" + place +
+              "</Label>\n<URI>uri</URI>\n</SoftKey>\n";
+  }
+  EXPECT_EQ(KeysOf(full), places);
+  SnomIPPhoneTextScreen snom("");
+  YealinkIPPhoneDirectory yealink("", 0);
+  for (const auto role : {SoftKeyRole::kHome, SoftKeyRole::kNext}) {
+    EXPECT_TRUE(AddSoftKey(snom, {role, "uri"}));
+    EXPECT_TRUE(AddSoftKey(yealink, {role, "uri"}));
+  }
+  CiscoIPPhoneDirectory cisco("", 0);
+  for (IPPhoneXML* const document :
+       std::initializer_list<IPPhoneXML*>{&full, &snom, &yealink, &cisco}) {
+    const std::string before = Rendered(*document);
+    EXPECT_EQ(HasSoftKeys(*document), document != &cisco);
+    EXPECT_FALSE(AddSoftKey(*document, {SoftKeyRole::kHome, "other"}));
+    EXPECT_THROW(AddSoftKey(*document, {static_cast<SoftKeyRole>(8), "u"}), std::invalid_argument);
+    EXPECT_EQ(Rendered(*document), before);
+  }
+  EXPECT_THROW(LabelOf(static_cast<SoftKeyRole>(-1)), std::invalid_argument);
+}
+
+// == Escaping ==
+
+TEST(Escape, TakesAnyBytes) {
+  for (const auto& [text, escaped, encoded] : kSampleTexts) {
+    EXPECT_EQ(EscapeXML(text), escaped);
+    EXPECT_EQ(PercentEncode(text, "+*:@"), encoded);
+    EXPECT_EQ(PercentDecode(encoded, false), text);
+  }
+  EXPECT_EQ(PercentEncode("+ "), "%2B%20");
+}
+
+TEST(Escape, DecodesWhatIsEncodedAndNothingElse) {
+  const struct {
+    const char *text, *decoded;
+  } rows[] = {
+      {"%41%4a%4A", "AJJ"},
+      {"%", "%"},
+      {"%4", "%4"},
+      {"%4%zz%", "%4%zz%"},
+      {"%+1%-1% 1%0x", "%+1%-1% 1%0x"},
+      {"%2541", "%41"},
+      {"a+b%2B", "a+b+"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(PercentDecode(row.text, false), row.decoded);
+  EXPECT_EQ(PercentDecode("a+b%2B", true), "a b+");
+}
+
+// == Makers ==
+
+TEST(Makers, AreFoundBySlugAndUserAgent) {
+  ASSERT_EQ(AllMakers().size(), 5U);
+  int next = 0;
+  for (const auto& facts : AllMakers()) {
+    EXPECT_EQ(static_cast<int>(facts.maker), next++);
+    EXPECT_EQ(&FactsOf(facts.maker), &facts);
+    EXPECT_EQ(MakerOfSlug(facts.slug), facts.maker);
+    EXPECT_EQ(MakerOfSlug(facts.name), std::nullopt);  // a slug is in lower case
+    EXPECT_EQ(MakerOfUserAgent("\0\xff/"s + std::string(facts.name) + "-300"), facts.maker);
+    EXPECT_GT(facts.pageSize, 0);
+    EXPECT_EQ(facts.writesPages, facts.maker == Maker::kAastra || facts.maker == Maker::kCisco);
+  }
+  EXPECT_EQ(MakerOfSlug(""), std::nullopt);
+  EXPECT_EQ(MakerOfUserAgent(""), std::nullopt);
+  EXPECT_EQ(MakerOfUserAgent("[Cisc0 cisc"), std::nullopt);
+  EXPECT_EQ(MakerOfUserAgent("yealink, sNoM"), Maker::kSnom);
+}
+
+// == Memory ==
+
+// Runs `action` with memory running out at each of its allocations until it ends. Each failure must
+// leave nothing behind.
+template <typename Action>
+void FailEachAllocation(
+    const Action& action, const std::function<void()>& expectUnchanged = [] {}) {
+  for (std::size_t failAt = 1;; ++failAt) {
+    ASSERT_LT(failAt, 1000U);
+    const long before = Allocations::Watch(failAt).alive;
+    try {
+      action();
+      Allocations::Watch();
+      EXPECT_GT(failAt, 1U);
+      return;
+    } catch (const std::bad_alloc&) {
+      ASSERT_EQ(Allocations::Watch().alive, before) << failAt;
+      expectUnchanged();
+    }
+  }
+}
+
+const std::string kLong(100, '&');
+
+TEST(Memory, RunsOutWithoutATraceWhereScreensAreComposed) {
+  const auto keys = SampleKeys(kLong);
+  for (const auto& screen : kSampleScreens) {
+    for (const auto& maker : AllMakers()) {
+      SCOPED_TRACE(screen.name + " for "s + std::string(maker.name));
+      FailEachAllocation([&] { screen.compose(maker.maker, kLong, keys); });
+    }
+  }
+}
+
+TEST(Memory, RunsOutWithoutATraceWhereTextsAreEscaped) {
+  FailEachAllocation([] { EscapeXML(kLong); });
+  FailEachAllocation([] { PercentEncode(kLong); });
+  FailEachAllocation([] { PercentDecode(kLong, false); });
+}
+
+TEST(Memory, RunsOutWithoutATraceWhereSoftKeysAreAdded) {
+  const SoftKey key = {SoftKeyRole::kHome, kLong, kLong};
+  AastraIPPhoneTextScreen aastra("");
+  SnomIPPhoneTextScreen snom("");
+  YealinkIPPhoneDirectory yealink("", 0);
+  for (IPPhoneXML* const document : std::initializer_list<IPPhoneXML*>{&aastra, &snom, &yealink}) {
+    AddSoftKey(*document, {SoftKeyRole::kNext, kLong});
+    const std::string before = Rendered(*document);
+    bool isAdded = false;
+    FailEachAllocation([&] { isAdded = AddSoftKey(*document, key); },
+                       [&] { ASSERT_EQ(Rendered(*document), before); });
+    EXPECT_TRUE(isAdded);
+  }
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Documents with escaped text are well-formed XML, or HTML for the Polycom page.
+// Documents with escaped text, and those composed of any screen, are well-formed XML, or HTML for the
+// Polycom page.
 #include <gtest/gtest.h>
 #include <libxml/HTMLparser.h>
 #include <libxml/parser.h>
@@ -6,6 +7,7 @@
 #include <memory>
 
 #include "documents.h"
+#include "screens.h"
 
 namespace {
 
@@ -24,17 +26,33 @@ bool IsHTML(const std::string& text) {
   return Parses(htmlNewParserCtxt(), htmlFreeParserCtxt, htmlCtxtReadMemory, text);
 }
 
+void ExpectWellFormed(IPPhoneXML& document) {
+  const bool isHTML = document.GetContentType() == "text/html";
+  EXPECT_TRUE((isHTML ? IsHTML : IsXML)(RenderToString(document))) << RenderToString(document);
+}
+
 TEST(Documents, AreWellFormed) {
   const std::string escaped = "Zo\xC3\xAB &amp; &lt;Ann&gt; &quot;\n\t]]&gt;";
   const Arguments arguments = {{escaped, escaped, escaped, escaped}, 1, 1, 30, 1, ~0UL};
   for (const auto& documentClass : kDocumentClasses) {
     const auto document = documentClass.make({escaped, 10, escaped, true});
     ApplyAll(*document, arguments);
-    const bool isHTML = document->GetContentType() == "text/html";
-    EXPECT_TRUE((isHTML ? IsHTML : IsXML)(RenderToString(*document))) << RenderToString(*document);
+    ExpectWellFormed(*document);
   }
   EXPECT_FALSE(IsXML("<a>&</a>"));
   EXPECT_FALSE(IsHTML("<p>&nonsense;</p></b>"));
+}
+
+TEST(Screens, BecomeWellFormedDocumentsWhateverTheyHold) {
+  using namespace teleform::screens;
+  for (const auto& [text, escaped, encoded] : kSampleTexts) {
+    for (const auto& screen : kSampleScreens) {
+      for (const auto& facts : AllMakers()) {
+        const auto document = screen.compose(facts.maker, text, SampleKeys(text));
+        if (document != nullptr) ExpectWellFormed(*document);
+      }
+    }
+  }
 }
 
 }  // namespace
