@@ -29,7 +29,10 @@ function finish_block() {
   }
 }
 BEGIN {
-  if (program == "") print "#include <gtest/gtest.h>\n#include \"documents.h\""
+  if (program == "") {
+    print "#include <gtest/gtest.h>\n#include <teleform/screens/compose.h>"
+    print "#include <teleform/screens/escape.h>\n#include \"documents.h\""
+  }
 }
 /^```/ {
   is_inside = !is_inside
