@@ -1,0 +1,227 @@
+// The pages of the phone book, for phones of every maker.
+#include <gtest/gtest.h>
+#include <soci/soci.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <fstream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "phonebook/tests/parsed_page.h"
+#include "phonebook/tests/phone_book.h"
+
+namespace phonebook::tests {
+
+namespace {
+
+struct MakerFacts {
+  std::string path;
+  const char* userAgent;
+  Texts roots;                          // the elements that the pages are, in their order
+  std::array<const char*, 2> inPages;   // where a directory has its pages before and after
+  std::array<const char*, 2> inSearch;  // and what a search found
+};
+constexpr std::array<const char*, 2> kAttributes = {"/*/@previous", "/*/@next"};
+constexpr std::array<const char*, 2> kLinks = {"//a[. = 'Previous']/@href",
+                                               "//a[. = 'Next']/@href"};
+constexpr std::array<const char*, 2> kKeys = {"//*[Name = 'LEFT']/URL", "//*[Name = 'RIGHT']/URL"};
+const std::vector<MakerFacts> kMakers = {
+    {"aastra",
+     "Aastra55i MAC:00-08-5D-11-22-33 V:2.2.0.166-SIP",
+     {"AastraIPPhoneTextMenu", "AastraIPPhoneDirectory", "AastraIPPhoneInputScreen",
+      "AastraIPPhoneTextMenu", "AastraIPPhoneTextScreen", "AastraIPPhoneExecute",
+      "AastraIPPhoneTextScreen", "AastraIPPhoneStatus"},
+     kAttributes,
+     {"//*[Label = 'Previous']/URI", "//*[Label = 'Next']/URI"}},
+    {"cisco", "Cisco-CP-7962G/9.1", {8, "CiscoIPPhoneDirectory"}, kAttributes, kAttributes},
+    {"polycom", "PolycomVVX-VVX_500-UA/4.1.3", {8, "html"}, kLinks, kLinks},
+    {"snom",
+     "Mozilla/4.0 (compatible; snom370-SIP 8.7.3)",
+     {"SnomIPPhoneDirectory", "SnomIPPhoneDirectory", "SnomIPPhoneInput", "SnomIPPhoneDirectory",
+      "SnomIPPhoneText", "SnomIPPhoneDirectory", "SnomIPPhoneText", "SnomIPPhoneText"},
+     kKeys,
+     kKeys},
+    {"yealink", "Yealink SIP-T28P 2.60.0.140", {8, "YealinkIPPhoneDirectory"}, kKeys, kKeys}};
+
+// Follows every address from every maker's home, a search and every contact. Everywhere there is a
+// way home, and at every contact one to dial it.
+void WalkAll(const ServerProcess& server, soci::session& session) {
+  std::vector<long long> ids(1000);
+  session << "SELECT id FROM contacts", soci::into(ids);
+  for (const auto& maker : kMakers) {
+    const std::string home = server.base + "/" + maker.path + "/";
+    Texts waiting = {home, home + "search?name=c"};
+    for (const long long id : ids) {
+      waiting.push_back(home + "contact/" + std::to_string(id));
+      waiting.push_back(home + "dial/" + std::to_string(id));
+    }
+    std::set<std::string> seen;
+    std::set<std::string> found;
+    while (!waiting.empty()) {
+      const std::string address = waiting.back();
+      waiting.pop_back();
+      if (!seen.insert(address).second) continue;
+      const HTTPResponse response = server.Get(address);
+      EXPECT_EQ(response.status, 200) << address << response.text;
+      const bool isHTML = maker.path == "polycom";
+      EXPECT_NE(response.header.find(isHTML ? "\r\nContent-Type: text/html; charset=utf-8\r\n"
+                                            : "\r\nContent-Type: text/xml; charset=utf-8\r\n"),
+                std::string::npos);
+      EXPECT_EQ(response.header.find("\r\nContent-Security-Policy: ") != std::string::npos, isHTML);
+      const ParsedPage page(response.text);
+      const Texts addresses = page.Addresses();
+      const auto leadsTo = [&](const std::string& target) {
+        return std::count(addresses.begin(), addresses.end(), target) > 0;
+      };
+      EXPECT_TRUE(address == home || leadsTo(home)) << address << response.text;
+      if (address.find("/contact/") != address.npos) {
+        const std::string dial = home + "dial" + address.substr(address.rfind('/'));
+        EXPECT_TRUE(leadsTo(dial) || !page.Numbers().empty()) << address << response.text;
+      }
+      EXPECT_TRUE(address.find("/dial/") == address.npos || page.Numbers().size() == 1) << address;
+      if (address.find("search?letter=") != address.npos) {
+        for (const auto& name : page.Items()) found.insert(name);
+      }
+      waiting.insert(waiting.end(), addresses.begin(), addresses.end());
+    }
+    EXPECT_GT(seen.size(), 2 * ids.size()) << home;
+    const bool hasLetters = maker.path == "cisco" || maker.path == "yealink";
+    EXPECT_EQ(found.size(), hasLetters ? ids.size() : 0) << home;
+  }
+}
+
+TEST_P(PhoneBook, ComposesTheNearestDocumentOfEachMaker) {
+  const auto server = Serve();
+  std::set<std::string> keys;
+  for (const auto& maker : kMakers) {
+    for (std::size_t page = 0; page < kPages.size(); ++page) {
+      const std::string path = "/" + maker.path + "/" + kPages[page];
+      const ParsedPage found(server->Get(path).text);
+      EXPECT_EQ(found.Root(), maker.roots[page]) << path;
+      const Texts own = found.Find("//SoftKey[starts-with(URI, 'Soft')] | //SoftKeyItem/Name");
+      keys.insert(own.begin(), own.end());
+      EXPECT_EQ(ParsedPage(server->Get("/" + kPages[page], maker.userAgent).text).Root(),
+                maker.roots[page])
+          << maker.userAgent;
+    }
+    EXPECT_EQ(ParsedPage(server->Get("/cisco/", maker.userAgent).text).Root(),
+              "CiscoIPPhoneDirectory");
+  }
+  EXPECT_EQ(keys, (std::set<std::string>{"\nDial\nSoftKey:Dial\n", "\nExit\nSoftKey:Exit\n",
+                                         "\nSearch\nSoftKey:Submit\n", "\nSelect\nSoftKey:Select\n",
+                                         "CANCEL", "F_MINIBROWSER_DIAL", "F_MINIBROWSER_SEARCH",
+                                         "RIGHT"}));
+  EXPECT_EQ(server->Get("/", "Mozilla/5.0").text, [&] {
+    std::string makers;
+    for (const auto& maker : kMakers) makers += server->base + "/" + maker.path + "/\n";
+    return makers;
+  }());
+  WalkAll(*server, *Connect());
+
+  for (const auto& page :
+       kPages) {  // documents have no type, and an element "Title" outside "head"
+    std::ofstream(directory.path / "page") << server->Get("/polycom/" + page).text;
+    const std::string tidy = "tidy -qe -utf8 " + (directory.path / "page").string() + " 2>" +
+                             (directory.path / "found").string();
+    EXPECT_EQ(WEXITSTATUS(std::system(tidy.c_str())), 1);
+    EXPECT_EQ(ContentOf(directory.path / "found"),
+              "line 1 column 1 - Warning: missing <!DOCTYPE> declaration\n")
+        << page;
+  }
+
+  // An alert without a text is none.
+  const ParsedPage alert(server->Get("/aastra/status").text);
+  EXPECT_EQ(alert.First("/*/@Beep") + alert.First("//Message/@type"), "yesalert");
+  *Connect() << "UPDATE notices SET text = ''";
+  const ParsedPage none(server->Get("/aastra/status").text);
+  EXPECT_EQ(none.First("/*/@Beep") + none.First("//Message/@type"), "");
+  EXPECT_EQ(none.First("//Message"), "\nNothing today.");
+}
+
+TEST_P(PhoneBook, PagesThroughContactsThatChangeMeanwhile) {
+  const auto server = Serve();
+  const auto session = Connect();
+  Texts names(1000);
+  for (std::size_t i = 0; i < 1000; ++i) {
+    names[i] = "Contact " + std::to_string(10000 + i * 7919 % 1000 / 2);  // each name twice
+  }
+  const auto pageThrough = [&](const std::string& path, std::array<const char*, 2> links) {
+    Texts addresses = {server->base + path};
+    Texts seen;
+    std::set<std::string> targets;
+    while (!addresses.back().empty()) {
+      const ParsedPage page(server->Get(addresses.back()).text);
+      if (addresses.size() == 3) {  // what comes before the pages seen, and goes
+        *session << "INSERT INTO contacts (name, telephone) VALUES ('Contact 1 comes', '1')";
+        *session << "DELETE FROM contacts WHERE name = 'Contact 10000'";
+        EXPECT_TRUE(IsIndexed());
+      } else if (addresses.size() > 3) {
+        const ParsedPage before(server->Get(page.First(links[0])).text);
+        EXPECT_EQ(before.Items().back(), seen.back());
+        EXPECT_EQ(before.First(links[1]), addresses.back());
+      }
+      for (const auto& name : page.Items()) seen.push_back(name);
+      for (const auto& target : page.Find("//MenuItem/URI | //DirectoryEntry/Telephone |"
+                                          " //p/a[starts-with(., 'Contact')]/@href")) {
+        targets.insert(target);
+      }
+      addresses.push_back(page.First(links[1]));
+    }
+    EXPECT_EQ(seen, names) << path;
+    EXPECT_GE(targets.size(), 1000U);
+  };
+  for (const auto& maker : kMakers) {
+    for (const char* path : {"/directory", "/search?name=con"}) {
+      Fill(names);
+      std::sort(names.begin(), names.end());
+      pageThrough("/" + maker.path + path,
+                  *path == '/' && path[1] == 'd' ? maker.inPages : maker.inSearch);
+    }
+  }
+}
+
+TEST_P(PhoneBook, ServesWellFormedPagesOfHostileContacts) {
+  const auto server = Serve();
+  Texts hostile = {"<b>bold</b>",           "& &amp; &#0;",       "\"quoted' name\"",
+                   "]]><![CDATA[",          "tab\tand\nline\r\n", "?page=2&name=%00",
+                   "z \xc2\x85\xef\xbf\xbe"};
+  std::string shuffled;  // does not compress
+  for (unsigned i = 0; i < 10000; ++i)
+    shuffled += static_cast<char>('!' + i * i * 2654435761U / 65536 % 90);
+  hostile.push_back(shuffled);
+  // Letters of their own, though they are others with an accent, or without a dot.
+  for (const char* odd : {"Йод", "Яна", "أحمد", "يوسف", "ışık"}) hostile.emplace_back(odd);
+  if (!isPostgreSQL) {  // which keeps such bytes out
+    for (const char* broken : {"\xff\xfe", "a\xc3", "b\xe2\x82", "\xed\xa0\x80", "caf\xe9"}) {
+      hostile.emplace_back(broken);
+    }
+    hostile.emplace_back(1000, '\x80');
+  }
+  Fill(hostile);
+  const auto session = Connect();
+  shuffled += "]]>\x01&<";
+  for (int line = 0; line < 40; ++line) shuffled += "\nmore than a page";
+  *session << "UPDATE notices SET text = :text", soci::use(shuffled);
+  WalkAll(*server, *session);
+  for (const char* contact :
+       {"NULL, '1', '', FALSE", "'', '1', '', FALSE", "'a', NULL, '', FALSE", "'a', '', '', FALSE",
+        "'a', '1', NULL, FALSE", "'a', '1', '', NULL"}) {
+    EXPECT_THROW(*session << "INSERT INTO contacts (name, telephone, department, is_indexed)"
+                             " VALUES ("
+                          << contact << ")",
+                 soci::soci_error)
+        << contact;
+  }
+  *session << "INSERT INTO contacts (name, telephone) VALUES ('\xc2\x85', '1')";
+  const std::string ignored = "\x01\x02";  // take no part in the order
+  *session << "INSERT INTO contacts (name, telephone) VALUES (:name, '2')", soci::use(ignored);
+  EXPECT_TRUE(IsIndexed());
+  EXPECT_EQ(ParsedPage(server->Get("/cisco/directory").text).Items().size(), hostile.size() + 2);
+  EXPECT_GT(ParsedPage(server->Get("/yealink/search").text).Items().size(), 5U);
+}
+}  // namespace
+
+}  // namespace phonebook::tests

@@ -1,0 +1,85 @@
+/// @file
+/// The fixture of tests over HTTP: a server, on a real SQLite or a real PostgreSQL.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <soci/soci.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "phonebook/tests/server_process.h"
+
+namespace phonebook::tests {
+
+namespace fs = std::filesystem;
+
+/// The paths of all pages, behind the maker's segment.
+inline const Texts kPages = {"",          "directory", "search",  "search?name=a",
+                             "contact/1", "dial/1",    "message", "status"};
+
+class TemporaryDirectory {
+ public:
+  TemporaryDirectory();
+  ~TemporaryDirectory() { fs::remove_all(path); }
+  TemporaryDirectory(const TemporaryDirectory&) = delete;
+  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+  fs::path path;
+};
+
+/// A PostgreSQL of the tests' own.
+class Cluster {
+ public:
+  Cluster();
+  ~Cluster() { Command("stop"); }
+  Cluster(const Cluster&) = delete;
+  Cluster& operator=(const Cluster&) = delete;
+
+  /// Runs a command of `temporary_postgresql`.
+  /// @return whether it succeeded; if not, `reason` tells why.
+  bool Command(const std::string& command);
+
+  std::string URIOf(const std::string& database) const;
+
+  bool isUsable = false;
+  std::string reason;
+
+ private:
+  TemporaryDirectory directory;
+  int port;
+};
+
+/// A test with a database of its own in SQLite or PostgreSQL.
+class PhoneBook : public testing::TestWithParam<const char*> {
+ protected:
+  void SetUp() override;
+
+  /// Shared by all tests of the process.
+  static Cluster& cluster();
+
+  /// A server that listens.
+  std::unique_ptr<ServerProcess> Serve(const Texts& options = {}) const;
+
+  /// A connection to the database.
+  std::unique_ptr<soci::session> Connect() const;
+
+  /// Replaces the contacts by one for each name, with telephones that differ, and waits until the
+  /// server has indexed them.
+  void Fill(const Texts& names) const;
+
+  /// Waits until no contact is pending.
+  bool IsIndexed() const;
+
+  void RemoveDatabase() const;
+  void RestoreDatabase() const;
+
+  TemporaryDirectory directory;
+  bool isPostgreSQL = false;
+  std::string database;
+};
+
+using PhoneBookOnSQLite = PhoneBook;
+using PhoneBookOnPostgreSQL = PhoneBook;
+
+}  // namespace phonebook::tests

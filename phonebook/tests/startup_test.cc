@@ -1,0 +1,114 @@
+// How the server starts: its options, and the import into a new database.
+#include <gtest/gtest.h>
+#include <soci/soci.h>
+#include <soci/sqlite3/soci-sqlite3.h>
+#include <sys/wait.h>
+
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "phonebook/tests/parsed_page.h"
+#include "phonebook/tests/phone_book.h"
+
+namespace phonebook::tests {
+
+namespace {
+
+TEST_P(PhoneBook, IsFilledOnceByServersStartedTogether) {
+  std::vector<std::future<std::unique_ptr<ServerProcess>>> starting(4);
+  for (std::size_t i = 0; i < starting.size(); ++i) {
+    const fs::path own = directory.path / std::to_string(i);
+    fs::create_directory(own);
+    starting[i] = std::async(std::launch::async, [this, own] {
+      auto server = std::make_unique<ServerProcess>(own, database);
+      EXPECT_TRUE(server->Listens()) << ContentOf(server->log);
+      return server;
+    });
+  }
+  for (auto& started : starting) EXPECT_EQ(started.get()->Get("/cisco/directory").status, 200);
+  int contacts = 0;
+  *Connect() << "SELECT count(*) FROM contacts", soci::into(contacts);
+  EXPECT_EQ(contacts, 40);
+  *Connect() << "DELETE FROM contacts";  // what the owner removed stays removed
+  EXPECT_EQ(ParsedPage(Serve()->Get("/snom/directory").text).First("//Title"),
+            "Nobody is in the phone book");
+}
+
+TEST_P(PhoneBook, LeavesNothingBehindWhenTheImportIsStopped) {
+  const fs::path contacts = directory.path / "contacts.tsv";
+  {
+    std::ofstream file(contacts);
+    for (int i = 0; i < 200000; ++i) file << "Contact " << i * 7919 % 200000 << "\t" << i << "\t\n";
+  }
+  ServerProcess server(directory.path, database, {"--contacts", contacts});
+  EXPECT_TRUE(Eventually([&] {  // until it is at it
+    if (!isPostgreSQL) return fs::exists(database);
+    int locks = 0;
+    *Connect() << "SELECT count(*) FROM pg_locks WHERE locktype = 'advisory'", soci::into(locks);
+    return locks > 0;
+  }));
+  EXPECT_EQ(WEXITSTATUS(server.Stop()), 1);
+  EXPECT_EQ(ContentOf(server.log), "phonebook: stopped; the database is as it was\n");
+  EXPECT_FALSE(fs::exists(database));
+  EXPECT_EQ(ParsedPage(Serve()->Get("/snom/directory").text).First("//Name"), "Adebayo, Folasade");
+}
+
+TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
+  const auto file = [&](const std::string& name, const std::string& content) {
+    std::ofstream(directory.path / name) << content;
+    return (directory.path / name).string();
+  };
+  const std::string other = directory.path / "other.db";
+  soci::session(soci::sqlite3, "dbname=\"" + other + "\"") << "CREATE TABLE contacts (id INTEGER)";
+  struct Case {
+    Texts options;
+    std::string said;
+    std::string path{};  // of the database
+  };
+  const std::vector<Case> cases = {
+      {{}, "other tables than a phone book", other},
+      {{}, "No such file", directory.path / "no" / "such.db"},
+      {{}, "not a database", file("text", "no database at all, but some text")},
+      {{"--contacts", file("latin.tsv", "A\t1\t\nGr\xfc\xdf\t2\t\n")}, "latin.tsv:2: this is not"},
+      {{"--contacts", file("short.tsv", "# A\n\nB\t1\n")}, "short.tsv:3: expected"},
+      {{"--address", "8.8.8.8"}, "can't listen on 8.8.8.8"},
+      {{"--address", "somewhere"}, "can't listen on somewhere"},
+      {{"--base-url", "ftp://phonebook.example"}, "it must be like http://"},
+      {{"--base-url", "http://a/\"><b"}, "it must be like http://"},
+  };
+  for (const auto& [options, said, path] : cases) {
+    ServerProcess refused(directory.path, path.empty() ? database : path, options);
+    EXPECT_FALSE(refused.Listens());
+    EXPECT_NE(refused.Stop(), 0);
+    EXPECT_TRUE(refused.IsLogged(said)) << ContentOf(refused.log);
+    EXPECT_FALSE(fs::exists(database));
+  }
+  const std::string odd = "file:a \"b\" 'c'?.db";
+  EXPECT_TRUE(ServerProcess(directory.path, odd).Listens());
+  EXPECT_GT(fs::file_size(directory.path / odd), 0U);
+  const auto text = file("windows.tsv",
+                         "\xEF\xBB\xBF"
+                         "Anna\t1\tSales\r\nBen\t2\t\r\n");
+  {
+    const auto server = Serve(
+        {"--contacts", text, "--address", "0.0.0.0", "--base-url", "https://phones.example/book"});
+    EXPECT_FALSE(server->IsLogged("0.0.0.0"));
+  }
+  const auto found = ParsedPage(Serve()->Get("/snom/directory").text);
+  EXPECT_EQ(found.Items(), (Texts{"Anna", "Ben"}));
+
+  // A file that nobody may write, as it is and when another takes its place.
+  fs::permissions(directory.path, fs::perms{0555});
+  fs::permissions(database, fs::perms{0444});
+  ServerProcess reader(directory.path, database, {}, false);
+  ASSERT_TRUE(reader.Listens()) << ContentOf(reader.log);
+  EXPECT_EQ(ParsedPage(reader.Get("/snom/search?name=ben").text).Items(), Texts{"Ben"});
+  fs::permissions(directory.path, fs::perms::owner_all | fs::perms::others_exec);
+}
+}  // namespace
+
+}  // namespace phonebook::tests
