@@ -18,30 +18,11 @@
 
 #include "phonebook/collation.h"
 #include "phonebook/contacts.h"
+#include "phonebook/database/selection.h"
 
 namespace phonebook {
 
-/// What a page lists of a contact.
-struct ListedContact {
-  long long id = 0;
-  std::string name;
-  std::string telephone;
-};
-
-/// A condition on contacts; empty fields match everybody.
-struct Selection {
-  std::string prefix;              ///< A prefix of their collation keys.
-  std::vector<std::string> words;  ///< Word keys, each a prefix of one of theirs.
-  static constexpr std::size_t kMaxWords = 6;
-};
-
-/// A position between contacts, and the direction in which a page lies from there. It stays valid
-/// while contacts come and go.
-struct Cursor {
-  bool isForward = true;
-  std::string collationKey{};
-  long long id = 0;
-};
+struct Dialect;
 
 /// A page of contacts, and whether there are pages before and after it.
 struct ContactPage {
@@ -105,19 +86,19 @@ class Store {
   void Interrupt() noexcept;
 
  private:
-  class Connection;
+  struct Opened;
 
-  template <typename Answer>
-  Answer Ask(const std::function<Answer(Connection&)>& question);
+  template <typename Result>
+  Result Run(const std::function<Result(Opened&)>& query);
   void Connect();
   void Disconnect();
   bool IsConnected();
   std::string Identity() const;
 
   std::string database;
-  bool isPostgreSQL;
+  const Dialect& dialect;
   std::mutex mutex;  // held while the connection is made or ended
-  std::unique_ptr<Connection> connection;
+  std::unique_ptr<Opened> opened;
   std::atomic<bool> isInterrupted = false;
 };
 

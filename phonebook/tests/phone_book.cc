@@ -90,7 +90,7 @@ bool PhoneBook::IsIndexed() const {
   return Eventually([&] {
     int pending = 1;
     *session << "SELECT (SELECT count(*) FROM contacts WHERE is_indexed = FALSE) +"
-                " (SELECT count(*) FROM removed)",
+                " (SELECT count(*) FROM removed_contacts)",
         soci::into(pending);
     return pending == 0;
   });

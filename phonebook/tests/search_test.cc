@@ -92,8 +92,8 @@ TEST_P(PhoneBook, FindsByWordsAndListsInCollationOrder) {
     EXPECT_EQ(find("angs zoo"), Texts{"Zoë ÅNGSTRÖM"}) << changes.front();
   }
   int others = 0;
-  *session << "SELECT count(*) FROM words LEFT JOIN contacts ON id = contact AND"
-              " contacts.words = words.words WHERE id IS NULL",
+  *session << "SELECT count(*) FROM search_keys LEFT JOIN contacts ON id = contact AND"
+              " contacts.all_keys = search_keys.all_keys WHERE id IS NULL",
       soci::into(others);
   EXPECT_EQ(others, 0);
 }

@@ -1,0 +1,193 @@
+#include "phonebook/database/import.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "phonebook/collation.h"
+#include "phonebook/database/connection.h"
+#include "phonebook/database/search_index.h"
+
+namespace phonebook {
+
+namespace {
+
+constexpr const char* kNotices =
+    "INSERT INTO notices (name, text) VALUES"
+    " ('message', 'Lunch today: soup & bread.\nThe canteen is open from 11:30 to 14:00.'),"
+    " ('alert', 'Fire drill at noon. Please use the stairs.')";
+
+// Inserts many rows by one prepared statement: SQLite row by row, PostgreSQL, where each statement
+// is a round trip, by arrays of many rows.
+class BulkInsert {
+ public:
+  struct Field {
+    const char* name;
+    const char* type;
+  };
+
+  BulkInsert(soci::session& session, const Dialect& dialect, const std::string& table,
+             const std::vector<Field>& fields)
+      : isByArrays(dialect.isPostgreSQL), values(fields.size()), statement(session) {
+    std::string names, parameters;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      const std::string parameter = ":field" + std::to_string(i);
+      names += (i == 0 ? "" : ", ") + std::string(fields[i].name);
+      parameters +=
+          (i == 0 ? "" : ", ") +
+          (isByArrays ? "CAST(" + parameter + " AS " + fields[i].type + "[])" : parameter);
+      statement.exchange(soci::use(values[i], parameter.substr(1)));
+    }
+    Prepare(statement, "INSERT INTO " + table + " (" + names + ") " +
+                           (isByArrays ? "SELECT * FROM unnest(" : "VALUES (") + parameters + ")");
+  }
+
+  void Add(const std::vector<std::string_view>& row) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      if (isByArrays) {
+        AppendElement(row[i], values[i]);
+      } else {
+        values[i] = row[i];
+      }
+    }
+    constexpr std::size_t kRowsOfArray = 2000;
+    if (++rows == (isByArrays ? kRowsOfArray : 1)) Flush();
+  }
+
+  void Flush() {
+    if (rows == 0) return;
+    for (auto& value : values) {
+      if (isByArrays) value += '}';
+    }
+    statement.execute(true);
+    for (auto& value : values) value.clear();
+    rows = 0;
+  }
+
+ private:
+  static void AppendElement(std::string_view text, std::string& array) {
+    array += array.empty() ? "{\"" : ",\"";
+    for (const char character : text) {
+      if (character == '"' || character == '\\') array += '\\';
+      array += character;
+    }
+    array += '"';
+  }
+
+  bool isByArrays;
+  std::size_t rows = 0;
+  std::vector<std::string> values;
+  soci::statement statement;
+};
+
+// Calls the reporter after every so many small steps.
+class Progress {
+ public:
+  explicit Progress(const ImportReporter& theReport) : report(theReport) {}
+  void Step() {
+    constexpr std::size_t kStepsOfReport = 10000;
+    if (++steps % kStepsOfReport == 0) Report();
+  }
+  void Report() { report(done, total); }
+
+  std::size_t done = 0;
+  std::size_t total = 1;
+
+ private:
+  const ImportReporter& report;
+  std::size_t steps = 0;
+};
+
+struct Row {
+  const Contact* contact;
+  std::string collationKey, allKeys;
+};
+
+// In the order of the names, in which ids are given.
+std::vector<Row> SortedRows(const std::vector<Contact>& contacts, Progress& progress) {
+  std::vector<Row> rows;
+  rows.reserve(contacts.size());
+  for (const auto& contact : contacts) {
+    rows.push_back({&contact, CollationKey(contact.name), AllKeys(contact)});
+    progress.Step();
+  }
+  std::stable_sort(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
+    progress.Step();
+    return a.collationKey < b.collationKey;
+  });
+  return rows;
+}
+
+// Search keys and the rows that they belong to, in the order of their index.
+using SearchKeyRows = std::vector<std::pair<std::string, std::size_t>>;
+SearchKeyRows SortedSearchKeys(const std::vector<Row>& rows, Progress& progress) {
+  SearchKeyRows keys;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    for (auto& key : SearchKeys(rows[i].allKeys, rows[i].collationKey)) {
+      keys.emplace_back(std::move(key), i);
+    }
+    progress.Step();
+  }
+  std::sort(keys.begin(), keys.end(), [&](const auto& a, const auto& b) {
+    progress.Step();
+    return a < b;
+  });
+  return keys;
+}
+
+void InsertContacts(BulkInsert& insert, const std::vector<Row>& rows, Progress& progress) {
+  std::vector<std::string_view> values;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const std::string id = std::to_string(i + 1);
+    values.assign(1, id);
+    for (const auto& column : kColumns) values.emplace_back(rows[i].contact->*column.field);
+    values.insert(values.end(), {rows[i].collationKey, rows[i].allKeys, "1"});
+    insert.Add(values);
+    ++progress.done;
+    progress.Step();
+  }
+  insert.Flush();
+}
+
+void InsertSearchKeys(BulkInsert& insert, const std::vector<Row>& rows, const SearchKeyRows& keys,
+                      Progress& progress) {
+  for (const auto& [key, i] : keys) {
+    insert.Add({key, rows[i].collationKey, std::to_string(i + 1), rows[i].allKeys});
+    ++progress.done;
+    progress.Step();
+  }
+  insert.Flush();
+}
+
+}  // namespace
+
+void Import(soci::session& session, const Dialect& dialect, const std::vector<Contact>& contacts,
+            const ImportReporter& report) {
+  Progress progress(report);
+  CreateTables(session, dialect);
+  const std::vector<Row> rows = SortedRows(contacts, progress);
+  const SearchKeyRows keys = SortedSearchKeys(rows, progress);
+  progress.total = rows.size() + keys.size();
+
+  std::vector<BulkInsert::Field> fields = {{"id", "BIGINT"}};
+  for (const auto& column : kColumns) fields.push_back({column.name, "TEXT"});
+  for (const char* key : {"collation_key", "all_keys"}) fields.push_back({key, "TEXT"});
+  fields.push_back({"is_indexed", "BOOLEAN"});
+  BulkInsert intoContacts(session, dialect, "contacts", fields);
+  InsertContacts(intoContacts, rows, progress);
+
+  BulkInsert intoSearchKeys(
+      session, dialect, "search_keys",
+      {{"key", "TEXT"}, {"collation_key", "TEXT"}, {"contact", "BIGINT"}, {"all_keys", "TEXT"}});
+  InsertSearchKeys(intoSearchKeys, rows, keys, progress);
+
+  CreateTriggersAndIndexes(session, dialect, [&] { progress.Report(); });
+  for (const auto& sql : dialect.afterImport) {
+    session << sql;
+    progress.Report();
+  }
+  session << kNotices;
+}
+
+}  // namespace phonebook

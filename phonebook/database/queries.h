@@ -1,0 +1,71 @@
+/// @file
+/// The queries of pages, searches, single contacts and notices. Each takes few steps through an
+/// index, however many contacts there are, and is prepared once.
+#pragma once
+
+#include <soci/soci.h>
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "phonebook/contacts.h"
+#include "phonebook/database/schema.h"
+#include "phonebook/database/selection.h"
+
+namespace phonebook {
+
+/// Prepared queries of a connection. Every function throws `soci::soci_error` when a query fails.
+class Queries {
+ public:
+  Queries(soci::session& session, const Dialect& dialect);
+  ~Queries();
+  Queries(const Queries&) = delete;
+  Queries& operator=(const Queries&) = delete;
+
+  /// Prepares all queries, which otherwise happens at their first use.
+  void PrepareAll();
+
+  /// Up to `size` contacts beyond `cursor`, the nearest first, whose collation keys begin with
+  /// `prefix`.
+  std::vector<ListedContact> ListByName(const std::string& prefix, const Cursor& cursor,
+                                        std::size_t size);
+
+  /// Up to `size` contacts beyond `cursor`, the nearest first, that have all of `words`, which are
+  /// prefixes of word keys. There must be one at least, and `Selection::kMaxWords` at most.
+  std::vector<ListedContact> Search(const std::vector<std::string>& words, const Cursor& cursor,
+                                    std::size_t size);
+
+  /// The contact of that id, if there is one.
+  std::optional<Contact> FindContact(long long id);
+
+  /// The text of the notice, if there is one.
+  std::optional<std::string> FindNotice(const std::string& name);
+
+ private:
+  enum Query { kByName, kByNameAndWords, kNearest, kByWord, kWordCount };
+  static constexpr std::size_t kQueries = kWordCount + 1;
+  class ListQuery;
+  class ContactQuery;
+  class NoticeQuery;
+
+  std::string SQLOf(Query query, bool isForward) const;
+  ListQuery& Prepared(Query query, bool isForward);
+  ContactQuery& PreparedContactQuery();
+  NoticeQuery& PreparedNoticeQuery();
+  std::vector<ListedContact> List(Query query, const std::string& prefix,
+                                  const std::vector<std::string>& words, const Cursor& cursor,
+                                  std::size_t size);
+  const std::string& RarestOf(const std::vector<std::string>& words);
+
+  soci::session& session;
+  const Dialect& dialect;
+  std::array<std::array<std::unique_ptr<ListQuery>, 2>, kQueries> lists;
+  std::unique_ptr<ContactQuery> contact;
+  std::unique_ptr<NoticeQuery> notice;
+};
+
+}  // namespace phonebook
