@@ -139,12 +139,13 @@ Queries::Queries(soci::session& theSession, const Dialect& theDialect)
 
 Queries::~Queries() = default;
 
-void Queries::PrepareAll() {
+void Queries::RunAll() {
+  const std::string afterAll = EndOfPrefix("");
   for (const Query query : {kByName, kByNameAndWords, kNearest, kByWord, kWordCount}) {
-    for (const bool isForward : {false, true}) Prepared(query, isForward);
+    for (const bool isForward : {false, true}) List(query, afterAll, {}, {isForward}, 1);
   }
-  PreparedContactQuery();
-  PreparedNoticeQuery();
+  FindContact(kBeforeAll);
+  FindNotice("");
 }
 
 Queries::ListQuery& Queries::Prepared(Query query, bool isForward) {

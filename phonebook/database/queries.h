@@ -26,8 +26,9 @@ class Queries {
   Queries(const Queries&) = delete;
   Queries& operator=(const Queries&) = delete;
 
-  /// Prepares all queries, which otherwise happens at their first use.
-  void PrepareAll();
+  /// Runs every query, so that it finds nothing: fails when the database lacks what one names, or
+  /// the role may not read it.
+  void RunAll();
 
   /// Up to `size` contacts beyond `cursor`, the nearest first, whose collation keys begin with
   /// `prefix`.

@@ -46,11 +46,12 @@ void Upgrade(Connection& connection, int version) {
   }
 }
 
-// Prepares all statements: a database may have the version, and yet not all of its columns.
+// Tries all statements: a database may have the version, and yet not all of its columns. Those of
+// the indexer are only prepared, as a database is served, too, to a role that may not write.
 void Validate(Connection& connection) {
   ValidateTriggersAndIndexes(connection.session, connection.dialect);
   try {
-    Queries(connection.session, connection.dialect).PrepareAll();
+    Queries(connection.session, connection.dialect).RunAll();
     SearchIndexer(connection.session, connection.dialect);
   } catch (const soci::soci_error& error) {
     throw std::runtime_error("the database is not a phone book of version " +
