@@ -17,21 +17,21 @@ namespace phonebook {
 
 namespace {
 
-void Check(UErrorCode error) {
+void ThrowOnFailure(UErrorCode error) {
   if (U_FAILURE(error) != 0) throw std::runtime_error(std::string("ICU: ") + u_errorName(error));
 }
 
 const icu::Collator& CollatorOf(icu::Collator::ECollationStrength strength) {
-  const auto make = [](icu::Collator::ECollationStrength made) {
+  const auto create = [](icu::Collator::ECollationStrength theStrength) {
     UErrorCode error = U_ZERO_ERROR;
     std::unique_ptr<icu::Collator> collator(
         icu::Collator::createInstance(icu::Locale::getRoot(), error));
-    Check(error);
-    collator->setStrength(made);
+    ThrowOnFailure(error);
+    collator->setStrength(theStrength);
     return collator;
   };
-  static const auto primary = make(icu::Collator::PRIMARY);
-  static const auto tertiary = make(icu::Collator::TERTIARY);
+  static const auto primary = create(icu::Collator::PRIMARY);
+  static const auto tertiary = create(icu::Collator::TERTIARY);
   return strength == icu::Collator::PRIMARY ? *primary : *tertiary;
 }
 
@@ -44,8 +44,8 @@ std::string UTF8(const icu::UnicodeString& text) {
   return text.toUTF8String(utf8);
 }
 
-// A key of bytes as text: each byte becomes the character of that number, which keeps the order and
-// which beginnings are alike.
+// A key of bytes as text: each byte becomes the character of that number, which keeps the order of
+// keys and their common prefixes.
 std::string KeyOf(const icu::UnicodeString& text, icu::Collator::ECollationStrength strength) {
   std::array<std::uint8_t, 4096> bytes;
   const int32_t needed = CollatorOf(strength).getSortKey(text, bytes.data(), bytes.size());
@@ -94,34 +94,36 @@ std::set<std::string> WordKeys(std::string_view text) {
 }
 
 Letter LetterOf(std::string_view name) {
-  const std::string sortKey = CollationKey(name);
+  const std::string collationKey = CollationKey(name);
   UErrorCode error = U_ZERO_ERROR;
-  const icu::Normalizer2* const whole = icu::Normalizer2::getNFKCInstance(error);
-  const icu::Normalizer2* const plain = icu::Normalizer2::getNFKDInstance(error);
-  Check(error);
-  // Not always the first one: some characters take no part in the order, and some stand before the
-  // one behind which they are sorted.
-  constexpr int kFirstOnes = 5;
-  icu::UnicodeString some =
-      whole->normalize(Unicode(TruncateToCharacters(name, kFirstOnes)), error);
-  Check(error);
-  for (; some.length() > 0; some.remove(0, some.moveIndex32(0, 1))) {
-    const icu::UnicodeString letter(some.char32At(0));
+  const icu::Normalizer2* const composing = icu::Normalizer2::getNFKCInstance(error);
+  const icu::Normalizer2* const decomposing = icu::Normalizer2::getNFKDInstance(error);
+  ThrowOnFailure(error);
+  // The first character need not be the letter: collation ignores some characters, and reorders
+  // others behind the next one.
+  constexpr int kExamined = 5;
+  icu::UnicodeString start =
+      composing->normalize(Unicode(TruncateToCharacters(name, kExamined)), error);
+  ThrowOnFailure(error);
+  for (; start.length() > 0; start.remove(0, start.moveIndex32(0, 1))) {
+    const icu::UnicodeString letter(start.char32At(0));
     const icu::UnicodeString capital = icu::UnicodeString(letter).toUpper(icu::Locale::getRoot());
-    // Some are letters of their own by an accent, as Й is, or by having no dot, as ı is.
-    for (const auto& candidate : {plain->normalize(capital, error), capital, letter}) {
-      Check(error);
+    // An accent makes some characters letters of their own, such as Й; so does a missing dot, as in
+    // ı.
+    for (const auto& candidate : {decomposing->normalize(capital, error), capital, letter}) {
+      ThrowOnFailure(error);
       std::string label = TruncateToCharacters(UTF8(candidate), 1);
       const std::string key = PrefixKey(label);
-      if (!IsPlainText(label) || key.empty() || sortKey.compare(0, key.size(), key) != 0) continue;
-      for (char latin = 'A'; latin <= 'Z'; ++latin) {  // which Ø and Ł are, too, but for a stroke
+      if (!IsPlainText(label) || key.empty() || collationKey.compare(0, key.size(), key) != 0)
+        continue;
+      for (char latin = 'A'; latin <= 'Z'; ++latin) {  // Ø and Ł are these with a stroke
         if (PrefixKey(std::string_view(&latin, 1)) == key) label = {latin};
       }
       return {label, key};
     }
   }
   constexpr char kEndOfLetters = '\x01';  // in a key; accents and case follow
-  return {"", sortKey.substr(0, std::max<std::size_t>(sortKey.find(kEndOfLetters), 1))};
+  return {"", collationKey.substr(0, std::max<std::size_t>(collationKey.find(kEndOfLetters), 1))};
 }
 
 }  // namespace phonebook

@@ -1,5 +1,9 @@
 /// @file
-/// How names are ordered and found: by ICU's root collation, the same whatever the database.
+/// Keys by which names are ordered and found, and the letters under which they are listed. They
+/// follow ICU's root collation, so that the order doesn't depend on the database.
+///
+/// A key is text that any database compares byte by byte. Case, accents and width come last in it:
+/// the keys of "Ångström" and "ANGELA" begin with the prefix key of "Ang".
 #pragma once
 
 #include <set>
@@ -8,32 +12,27 @@
 
 namespace phonebook {
 
-/// As many characters of a text count; databases have no room for keys of any length.
+/// Only this many characters of a text count; databases have no room for keys of any length.
 constexpr int kMaxKeyCharacters = 100;
 
-/// @name Keys
-/// Keys are text that any database compares byte by byte, and those of texts that differ in case,
-/// accents or width alone begin alike: the key of "Ang" begins those of "Ångström" and "ANGELA".
-/// @{
-
-/// By which names are sorted: as readers expect it of names that differ in nothing but such.
+/// The collation key of a name. Case, accents and width decide only between otherwise equal names.
 std::string CollationKey(std::string_view name);
 
-/// What the sort keys of all names begin with that begin with `text`.
+/// The prefix of the collation keys of all names that begin with `text`.
 std::string PrefixKey(std::string_view text);
 
-/// The first text after all that begin with `key`.
+/// The upper bound of all keys that begin with `key`.
 std::string EndOfPrefix(const std::string& key);
-/// @}
 
-/// What the keys of the words of `text` begin with, which are its letters and digits in a row. No
-/// key holds a `kWordMark`.
+/// The prefix keys of the words of `text`. A word is a run of letters and digits. No word key holds
+/// `kWordMark`.
 std::set<std::string> WordKeys(std::string_view text);
 constexpr char kWordMark = '\x01';
 
+/// A letter with which names begin.
 struct Letter {
-  std::string label;  ///< A capital without accents; empty for names that begin with none.
-  std::string key;    ///< With which the sort keys of all its names begin: that of its label.
+  std::string label;  ///< A capital without accents; empty for names that begin with no letter.
+  std::string key;  ///< The prefix of the collation keys of its names: the prefix key of the label.
 };
 
 /// The letter under which a reader looks for a name.

@@ -14,7 +14,7 @@ namespace phonebook {
 std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& source) {
   std::vector<Contact> read;
   std::string line;
-  const auto refuse = [&source](int number, const char* reason) {
+  const auto fail = [&source](int number, const char* reason) {
     throw std::runtime_error(source + ":" + std::to_string(number) + ": " + reason);
   };
   for (int number = 1; std::getline(contacts, line); ++number) {
@@ -22,13 +22,13 @@ std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& sou
     if (number == 1 && line.rfind(kByteOrderMark, 0) == 0) line.erase(0, kByteOrderMark.size());
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (line.empty() || line.front() == '#') continue;
-    if (!IsUTF8(line)) refuse(number, "this is not UTF-8");
+    if (!IsUTF8(line)) fail(number, "this is not UTF-8");
     const auto first = line.find('\t');
     const auto second = line.find('\t', first + 1);
     const bool hasThreeFields =
         first != line.npos && second != line.npos && line.find('\t', second + 1) == line.npos;
     if (!hasThreeFields || first == 0 || second == first + 1) {
-      refuse(number, "expected a name, a telephone and a department with tabs between");
+      fail(number, "expected a name, a telephone and a department with tabs between");
     }
     read.push_back({line.substr(0, first), line.substr(first + 1, second - first - 1),
                     line.substr(second + 1)});

@@ -1,5 +1,5 @@
 /// @file
-/// Contacts, read from a file.
+/// Contacts, their import format and their numbers.
 #pragma once
 
 #include <istream>
@@ -9,24 +9,25 @@
 
 namespace phonebook {
 
+/// A person or a service with a telephone, as users write it.
 struct Contact {
   std::string name;
   std::string telephone;
   std::string department;
 };
 
-/// Reads contacts in UTF-8, one a line: name, telephone and department, separated by tabs. Empty
-/// lines and lines that begin with # are skipped. Only a department may be empty. A byte order mark
-/// at the start and carriage returns at the ends of lines are ignored.
+/// Reads contacts in UTF-8, one per line: name, telephone and department, separated by tabs. Only
+/// the department may be empty. Skips empty lines and lines that begin with #. Ignores a byte order
+/// mark at the start and carriage returns at the ends of lines.
 /// @param source the name of the stream in messages, such as a file name.
 /// @throws std::runtime_error when a line is malformed, reading fails or there are no contacts.
 std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& source);
 
-/// The same from the file at `path`.
+/// Reads contacts from the file at `path`.
 std::vector<Contact> ReadContacts(const std::string& path);
 
-/// What a phone dials: a telephone number without its blanks, brackets, points, dashes and slashes;
-/// anything else, such as a SIP address, as it is.
+/// What a phone dials: a telephone number without its separators, which are blanks, dashes, dots,
+/// slashes and parentheses; anything else, such as a SIP address, unchanged.
 std::string DialString(std::string_view telephone);
 
 }  // namespace phonebook

@@ -40,7 +40,7 @@ std::size_t CountCharacters(std::string_view text) {
 }
 
 std::string TruncateToCharacters(std::string_view text, int count) {
-  text = text.substr(0, 4 * static_cast<std::size_t>(count));  // where it is no UTF-8
+  text = text.substr(0, 4 * static_cast<std::size_t>(count));  // bounds malformed UTF-8
   std::size_t end = 0;
   for (; end < text.size(); ++end) {
     if (!IsContinuation(text[end]) && count-- == 0) break;

@@ -1,5 +1,5 @@
 /// @file
-/// Questions about text in UTF-8, answered by ICU.
+/// Validation, counting and truncation of text in UTF-8, by ICU.
 #pragma once
 
 #include <cstddef>
@@ -11,13 +11,15 @@ namespace phonebook {
 /// Whether `text` is well-formed UTF-8.
 bool IsUTF8(std::string_view text);
 
-/// Whether `text` is well-formed UTF-8, of characters that XML allows but control characters.
+/// Whether `text` is well-formed UTF-8 without control characters and without characters that XML
+/// forbids.
 bool IsPlainText(std::string_view text);
 
 /// The number of characters in `text`, which must be well-formed UTF-8.
 std::size_t CountCharacters(std::string_view text);
 
-/// The first `count` characters of `text`, of which each is taken to have 4 bytes at most.
+/// The first `count` characters of `text`, and no more than four bytes for each, as malformed UTF-8
+/// may have.
 std::string TruncateToCharacters(std::string_view text, int count);
 
 }  // namespace phonebook
