@@ -172,11 +172,11 @@ std::string ExpectedDocument(const std::string& screen, const MakerFacts& maker,
   AddRows(parts, kDocuments);
   AddRows(parts, isEmpty ? kPartsOfEmptyScreens : kPartsOfOtherScreens);
   std::string document = parts[screen + " " + std::string(maker.name)];
-  for (int depth = 0; depth < 4; ++depth) document = Filled(document, parts);
+  for (int depth = 0; depth < 4; ++depth) document = FillTemplate(document, parts);
   std::replace(document.begin(), document.end(), '|', '\n');
-  return Filled(document, {{"text", sample.escaped},
-                           {"given", isEmpty ? "-" : sample.escaped},
-                           {"number", sample.encoded}});
+  return FillTemplate(document, {{"text", sample.escaped},
+                                 {"given", isEmpty ? "-" : sample.escaped},
+                                 {"number", sample.encoded}});
 }
 
 TEST(Screens, BecomeTheNearestDocumentOfEachMakerWhateverTheyHold) {
@@ -185,7 +185,7 @@ TEST(Screens, BecomeTheNearestDocumentOfEachMakerWhateverTheyHold) {
       for (const auto& maker : AllMakers()) {
         SCOPED_TRACE(screen.name + " for "s + std::string(maker.name) + ": " + sample.text);
         const auto document = screen.compose(maker.maker, sample.text, SampleKeys(sample.text));
-        EXPECT_EQ(document == nullptr ? "" : Rendered(*document),
+        EXPECT_EQ(document == nullptr ? "" : RenderToString(*document),
                   ExpectedDocument(screen.name, maker, sample));
       }
     }
@@ -194,7 +194,7 @@ TEST(Screens, BecomeTheNearestDocumentOfEachMakerWhateverTheyHold) {
 
 TEST(Screens, HaveOptionalParts) {
   const auto expectPart = [](const Document& document, const char* part) {
-    EXPECT_NE(Rendered(*document).find(part), std::string::npos) << Rendered(*document);
+    EXPECT_NE(RenderToString(*document).find(part), std::string::npos) << RenderToString(*document);
   };
   expectPart(ComposeList(Maker::kPolycom, {"", {{"Ann", "1"}}}), "<a href=\"tel:1\">Ann</a><br/>");
   expectPart(ComposeList(Maker::kPolycom, {"", {{"Bob", "", "away"}}}), "Bob</a> away<br/>");
@@ -223,7 +223,7 @@ TEST(Screens, RefuseWhatIsOutsideTheEnumerations) {
 // == Soft keys ==
 
 std::string KeysOf(IPPhoneXML& document) {
-  const std::string text = Rendered(document);
+  const std::string text = RenderToString(document);
   const auto begin = std::min(text.find("<SoftKey"), text.rfind("</"));
   return text.substr(begin, text.rfind("</") - begin);
 }
@@ -284,11 +284,11 @@ TEST(SoftKeysOfScreens, LeaveTheDocumentAsItIsWhenRefused) {
   CiscoIPPhoneDirectory cisco("", 0);
   for (IPPhoneXML* const document :
        std::initializer_list<IPPhoneXML*>{&full, &snom, &yealink, &cisco}) {
-    const std::string before = Rendered(*document);
+    const std::string before = RenderToString(*document);
     EXPECT_EQ(HasSoftKeys(*document), document != &cisco);
     EXPECT_FALSE(AddSoftKey(*document, {SoftKeyRole::kHome, "other"}));
     EXPECT_THROW(AddSoftKey(*document, {static_cast<SoftKeyRole>(8), "u"}), std::invalid_argument);
-    EXPECT_EQ(Rendered(*document), before);
+    EXPECT_EQ(RenderToString(*document), before);
   }
   EXPECT_THROW(LabelOf(static_cast<SoftKeyRole>(-1)), std::invalid_argument);
 }
@@ -349,14 +349,14 @@ void FailEachAllocation(
     const Action& action, const std::function<void()>& expectUnchanged = [] {}) {
   for (std::size_t failAt = 1;; ++failAt) {
     ASSERT_LT(failAt, 1000U);
-    const long before = Allocations::Watch(failAt).alive;
+    const long before = Allocations::StartCounting(failAt).live;
     try {
       action();
-      Allocations::Watch();
+      Allocations::StartCounting();
       EXPECT_GT(failAt, 1U);
       return;
     } catch (const std::bad_alloc&) {
-      ASSERT_EQ(Allocations::Watch().alive, before) << failAt;
+      ASSERT_EQ(Allocations::StartCounting().live, before) << failAt;
       expectUnchanged();
     }
   }
@@ -387,10 +387,10 @@ TEST(Memory, RunsOutWithoutATraceWhereSoftKeysAreAdded) {
   YealinkIPPhoneDirectory yealink("", 0);
   for (IPPhoneXML* const document : std::initializer_list<IPPhoneXML*>{&aastra, &snom, &yealink}) {
     AddSoftKey(*document, {SoftKeyRole::kNext, kLong});
-    const std::string before = Rendered(*document);
+    const std::string before = RenderToString(*document);
     bool isAdded = false;
     FailEachAllocation([&] { isAdded = AddSoftKey(*document, key); },
-                       [&] { ASSERT_EQ(Rendered(*document), before); });
+                       [&] { ASSERT_EQ(RenderToString(*document), before); });
     EXPECT_TRUE(isAdded);
   }
 }

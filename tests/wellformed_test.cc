@@ -1,5 +1,5 @@
-// Documents with escaped text, and those composed of any screen, are well-formed XML, or HTML for the
-// Polycom page.
+// Documents with escaped text, and those composed of any screen, are well-formed XML, or HTML for
+// the Polycom page.
 #include <gtest/gtest.h>
 #include <libxml/HTMLparser.h>
 #include <libxml/parser.h>
