@@ -1,0 +1,78 @@
+// Request targets, hosts and base URLs.
+#include "phonebook/url.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace phonebook {
+
+namespace {
+
+TEST(URL, ParsesRequestTargets) {
+  struct Case {
+    std::string target;
+    RequestTarget expected;
+  };
+  const std::vector<Case> cases = {
+      {"/snom/dire%63tory", {"", "/snom/dire%63tory", {"snom", "directory"}, {}}},
+      {"//snom//a/", {"", "//snom//a/", {"snom", "a"}, {}}},
+      {"/", {"", "/", {}, {}}},
+      {"/../a", {"", "/../a", {"..", "a"}, {}}},
+      {"/a+b%00c", {"", "/a+b%00c", {std::string("a+b\0c", 5)}, {}}},
+      {"/s?na%6de=a%2bb+c&name=d", {"", "/s", {"s"}, {{"name", "a+b c"}}}},
+      {"/s?x;y&z=?/", {"", "/s", {"s"}, {{"x;y", ""}, {"z", "?/"}}}},
+      {"/s?name=100%&b=%a", {"", "/s", {"s"}, {{"name", "100%"}, {"b", "%a"}}}},
+      {"/s?name=\xc3\xa5\"[#]", {"", "/s", {"s"}, {{"name", "\xc3\xa5\"[#]"}}}},
+      {"/s?name=a%00b",
+       {"",
+        "/s",
+        {"s"},
+        {{"name",
+          "a\xff"
+          "b"}}}},
+      {"http://a:1/snom?b=c", {"a:1", "/snom", {"snom"}, {{"b", "c"}}}},
+      {"HTTPS://[::1]?b=c", {"[::1]", "", {}, {{"b", "c"}}}},
+  };
+  for (const auto& [target, expected] : cases) {
+    const auto parsed = ParseRequestTarget(target);
+    ASSERT_TRUE(parsed) << target;
+    EXPECT_EQ(parsed->host, expected.host) << target;
+    EXPECT_EQ(parsed->path, expected.path) << target;
+    EXPECT_EQ(parsed->segments, expected.segments) << target;
+    EXPECT_EQ(parsed->params, expected.params) << target;
+  }
+  for (const char* target : {"", "*", "snom/", "a:80", "ftp://a/", "http:///snom", "http://a:b/"}) {
+    EXPECT_FALSE(ParseRequestTarget(target)) << target;
+  }
+}
+
+TEST(URL, TellsHosts) {
+  for (const char* host : {"a", "phone_book.example:8080", "127.0.0.1", "[::1]:80", "a:"}) {
+    EXPECT_TRUE(IsHost(host)) << host;
+  }
+  for (const char* host : {"", ":80", "a/b", "a?b", "a#b", "a@b", "a\"<b", "a b", "a:b", "a:65536",
+                           "a:1:2", "[::1", "::1", "\xc3\xa5"}) {
+    EXPECT_FALSE(IsHost(host)) << host;
+  }
+}
+
+TEST(URL, NormalizesBaseURLs) {
+  const std::map<std::string, std::string> expected = {
+      {"http://a", "http://a"},
+      {"http://a//", "http://a"},
+      {"HTTPS://Phones.Example:8443/Book/", "HTTPS://Phones.Example:8443/Book"},
+      {"https://[::1]:80/b/%7ec", "https://[::1]:80/b/%7ec"},
+  };
+  for (const auto& [url, normalized] : expected) EXPECT_EQ(NormalizeBaseURL(url), normalized);
+  for (const char* url : {"", "a", "ftp://a", "http://", "http://a?b", "http://a#b", "http://b@a",
+                          "http://a:b", "http://a:70000", "http://a/\"><b", "http://a b"}) {
+    EXPECT_FALSE(NormalizeBaseURL(url)) << url;
+  }
+}
+
+}  // namespace
+
+}  // namespace phonebook
