@@ -6,28 +6,33 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <cstdlib>
 #include <exception>
 #include <functional>
 #include <iostream>
 #include <memory>
 #include <mutex>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
-#include <vector>
 
 #include "phonebook/assets.h"
 #include "phonebook/contacts.h"
 #include "phonebook/database/store.h"
 #include "phonebook/server.h"
+#include "phonebook/url.h"
 
 namespace {
 
-// Waits for SIGTERM and SIGINT from the moment that it is made, which must be before there are
-// other threads.
+struct Options {
+  phonebook::ServerOptions server;
+  std::string database = "phonebook.db";
+  std::string contacts;
+};
+
+// Handles SIGTERM and SIGINT. Must be created before other threads, which inherit the signal mask.
 class Signals {
  public:
   Signals() {
@@ -45,10 +50,10 @@ class Signals {
     }).detach();
   }
 
-  // While what this returns lives, stopping is done by `how`, at once if it was asked for before.
-  std::shared_ptr<void> StopBy(std::function<void()> how) {
+  // Calls `handler` on a signal, at once if there was one before, while the returned value lives.
+  std::shared_ptr<void> OnStop(std::function<void()> handler) {
     const std::lock_guard lock(mutex);
-    stop = std::move(how);
+    stop = std::move(handler);
     if (isStopped) stop();
     return {this, [](Signals* signals) {
               const std::lock_guard relock(signals->mutex);
@@ -60,89 +65,100 @@ class Signals {
 
  private:
   std::mutex mutex;
-  std::function<void()> stop = [] { std::_Exit(EXIT_SUCCESS); };  // nothing is begun
+  std::function<void()> stop = [] { std::_Exit(EXIT_SUCCESS); };  // nothing has begun
 };
 
-// Tells a terminal how far reading in has come.
-void Show(std::size_t done, std::size_t all) {
+// Shows the progress of an import on a terminal.
+void ShowProgress(std::size_t done, std::size_t total) {
   static const bool isTerminal = isatty(STDERR_FILENO) == 1;
   static std::size_t shown = 0;
-  const std::size_t percent = 100 * done / std::max<std::size_t>(all, 1);
-  if (!isTerminal || all < 10000 || percent == std::exchange(shown, percent)) return;
-  std::cerr << "\rphonebook: reading the contacts in, " << percent << " %"
-            << (done == all ? "\n" : "") << std::flush;
+  const std::size_t percent = 100 * done / std::max<std::size_t>(total, 1);
+  if (!isTerminal || total < 10000 || percent == std::exchange(shown, percent)) return;
+  std::cerr << "\rphonebook: importing contacts, " << percent << " %" << (done == total ? "\n" : "")
+            << std::flush;
 }
 
-// Makes a database of the contacts in a file, or of samples, if there is none yet.
-// @return false when that was stopped.
-bool Prepare(const std::string& database, const std::string& file, Signals& signals) {
+// Creates the database from the contacts in a file, or from samples, unless it exists.
+// @return false when a signal stopped it.
+bool CreateOrOpen(const Options& options, Signals& signals) {
   std::istringstream samples(phonebook::kSampleContacts);
-  const auto contacts = file.empty() ? phonebook::ReadContacts(samples, "the sample contacts")
-                                     : phonebook::ReadContacts(file);
-  phonebook::Store store(database);
-  const auto stopping = signals.StopBy([&] { store.Interrupt(); });
-  return store.CreateOrOpen(contacts, [&](std::size_t done, std::size_t all) {
-    Show(done, all);
+  const auto contacts = options.contacts.empty()
+                            ? phonebook::ReadContacts(samples, "the sample contacts")
+                            : phonebook::ReadContacts(options.contacts);
+  phonebook::Store store(options.database);
+  const auto stopping = signals.OnStop([&] { store.Interrupt(); });
+  return store.CreateOrOpen(contacts, [&](std::size_t done, std::size_t total) {
+    ShowProgress(done, total);
     return !signals.isStopped;
   });
 }
 
-std::string CheckURL(const std::string& url) {
-  static const std::regex pattern(
-      "https?://[A-Za-z0-9._-]+(:[0-9]+)?(/[A-Za-z0-9/._~-]*)?|"
-      "https?://\\[[0-9A-Fa-f:.]+\\](:[0-9]+)?(/[A-Za-z0-9/._~-]*)?");
-  return std::regex_match(url, pattern) ? "" : "it must be like http://phonebook.example:8080";
+std::string NormalizeBaseURL(std::string& url) {
+  const auto normalized = phonebook::NormalizeBaseURL(url);
+  url = normalized.value_or(url);
+  return normalized ? "" : "it must be like http://phonebook.example:8080";
 }
 
-int Main(int argc, char** argv) {
-  phonebook::ServerOptions options;
-  std::string database = "phonebook.db";
-  std::string contacts;
-  CLI::App app("A company phone book for IP phones, and a preview of it at /preview.", "phonebook");
+void AddOptions(CLI::App& app, Options& options) {
   app.option_defaults()->always_capture_default();
-  app.add_option("--address", options.address, "IP address to listen on");
-  app.add_option("--port", options.port, "port to listen on, 0 for any that is free")
+  app.add_option("--address", options.server.address, "IP address to listen on");
+  app.add_option("--port", options.server.port, "port to listen on, 0 for any free port")
       ->check(CLI::Range(0, 65535));
-  app.add_option("--phones", options.phones, "phones connected at the same time")
+  app.add_option("--max-connections", options.server.maxConnections,
+                 "connections of phones at the same time")
       ->check(CLI::Range(1, 1000000));
-  app.add_option("--database", database, "SQLite file, or postgresql://user@host/database");
-  app.add_option("--connections", options.connections, "connections to the database")
+  app.add_option("--database", options.database, "SQLite file, or postgresql://user@host/database");
+  app.add_option("--database-connections", options.server.databaseConnections,
+                 "connections to the database")
       ->check(CLI::Range(1, 1000));
-  app.add_option("--base-url", options.baseURL,
-                 "how phones reach the server, if not by the host that they name")
-      ->check(CheckURL);
-  app.add_option("--contacts", contacts, "contacts to fill a new database with; samples if empty")
+  app.add_option("--base-url", options.server.baseURL,
+                 "what links begin with; the host of the request if empty")
+      ->transform(CLI::Validator(NormalizeBaseURL, ""));
+  app.add_option("--contacts", options.contacts,
+                 "contacts to import into a new database; samples if empty")
       ->check(CLI::ExistingFile);
-  CLI11_PARSE(app, argc, argv);
+}
 
-  static Signals signals;  // for whose thread nobody waits
-  signal(SIGPIPE, SIG_IGN);
+// Allows as many open files as the system does, and leaves the database those that it needs.
+void LimitConnections(phonebook::ServerOptions& options) {
   rlimit files{};
-  if (getrlimit(RLIMIT_NOFILE, &files) == 0) {
-    files.rlim_cur = files.rlim_max;
-    setrlimit(RLIMIT_NOFILE, &files);
-    // Phones must not take the files that the database needs.
-    const rlim_t others = 16 + 4 * options.connections;
-    const rlim_t most = std::max(files.rlim_cur, others + 1) - others;
-    options.phones = std::min<std::size_t>(options.phones, most);
-  }
+  if (getrlimit(RLIMIT_NOFILE, &files) != 0) return;
+  files.rlim_cur = files.rlim_max;
+  setrlimit(RLIMIT_NOFILE, &files);
+  const rlim_t others = 16 + 4 * options.databaseConnections;
+  const rlim_t most = std::max(files.rlim_cur, others + 1) - others;
+  options.maxConnections = std::min<std::size_t>(options.maxConnections, most);
+}
 
-  phonebook::Server server(database, options);
-  const std::string host = server.Listen();
-  if (!Prepare(database, contacts, signals)) {
-    std::cerr << "phonebook: stopped; the database is as it was\n";
-    return 1;
-  }
+void PrintAddresses(const std::string& host) {
   std::cout << "phonebook: listening on " << host << "; for each maker, try\n";
   std::istringstream addresses(phonebook::Addresses("http://" + host));
   for (std::string address; std::getline(addresses, address);) {
     std::cout << "  curl " << address << "\n";
   }
   std::cout << "and, in a browser, http://" << host << "/preview\n" << std::flush;
-  const auto stopping = signals.StopBy([&] { server.Stop(); });
-  const bool isFree = server.Run();
+}
+
+int Main(int argc, char** argv) {
+  Options options;
+  CLI::App app("A company phone book for IP phones, and a preview of it at /preview.", "phonebook");
+  AddOptions(app, options);
+  CLI11_PARSE(app, argc, argv);
+
+  static Signals signals;  // outlives its detached thread
+  signal(SIGPIPE, SIG_IGN);
+  LimitConnections(options.server);
+  phonebook::Server server(options.database, options.server);
+  const std::string host = server.Listen();
+  if (!CreateOrOpen(options, signals)) {
+    std::cerr << "phonebook: stopped; the database is unchanged\n";
+    return 1;
+  }
+  PrintAddresses(host);
+  const auto stopping = signals.OnStop([&] { server.Stop(); });
+  const bool hasEnded = server.Run();
   std::cout << "phonebook: stopped\n" << std::flush;
-  if (!isFree) std::_Exit(EXIT_SUCCESS);  // the database holds a worker that nothing can wait for
+  if (!hasEnded) std::_Exit(EXIT_SUCCESS);  // a worker hangs in the database
   return 0;
 }
 

@@ -18,13 +18,12 @@ namespace phonebook {
 namespace {
 
 using teleform::screens::AllMakers;
-using teleform::screens::PercentDecode;
 using teleform::screens::PercentEncode;
 
 constexpr const char* kPlainText = "text/plain; charset=utf-8";
 constexpr const char* kUnavailable = "The phone book can't be read now.";
 
-// What a refusal is called, and what it tells where there is no more to say.
+// The title and the default reason of an error page.
 struct StatusFacts {
   int status;
   const char* title;
@@ -59,31 +58,23 @@ Response MakeResponse(int status, const std::string& type, std::string body) {
 Response MakeResponse(int status, IPPhoneXML& document) {
   std::string text;
   document.Render(text);
-  Response reply =
+  Response response =
       MakeResponse(status, document.GetContentType() + "; charset=utf-8", std::move(text));
   if (document.GetContentType() == "text/html") {
-    reply.fields.emplace_back("Content-Security-Policy",
-                              "default-src 'none'; frame-ancestors 'none'");
+    response.fields.emplace_back("Content-Security-Policy",
+                                 "default-src 'none'; frame-ancestors 'none'");
   }
-  return reply;
+  return response;
 }
 
-// One line; what comes from outside can't end it.
+// Logs one line, which hostile input can't end.
 void Log(const Request& request, int status, const std::string& reason) {
   constexpr const char* kReadable = "/ ?=&%:;,()[]'\"@!$*+";
   std::ostringstream line;
   line << "phonebook: " << status << " " << PercentEncode(request.method) << " "
        << PercentEncode(request.target, kReadable) << " from " << request.address << ": "
        << PercentEncode(reason, kReadable) << "\n";
-  std::fputs(line.str().c_str(), stderr);  // which goes on after the disk was full
-}
-
-// Takes what comes before a separator, or all, off the front of `text`.
-std::string_view Take(std::string_view& text, char separator) {
-  const auto end = std::min(text.find(separator), text.size());
-  const auto taken = text.substr(0, end);
-  text.remove_prefix(std::min(end + 1, text.size()));
-  return taken;
+  std::fputs(line.str().c_str(), stderr);  // a stream would stay failed once the disk was full
 }
 
 }  // namespace
@@ -99,21 +90,21 @@ std::string Addresses(const std::string& server) {
 Server::Server(const std::string& database, ServerOptions theOptions)
     : options(std::move(theOptions)),
       preview(MakePreview()),
-      http({[this](Request request, HTTPServer::Answer answer) {
-              Serve(std::move(request), std::move(answer));
+      http({[this](Request request, ResponseCallback done) {
+              Serve(std::move(request), std::move(done));
             },
             [this](const Request& request, int status) {
               return Refuse(request, status, StatusFactsOf(status).reason);
             }},
-           {options.phones}),
-      workers(database, options.connections) {
-  http.Every(std::chrono::milliseconds(20), [this] { workers.Watch(); });
-  http.Every(std::chrono::milliseconds(300), [this] { IndexPending(); });
+           {options.maxConnections}),
+      workers(database, options.databaseConnections) {
+  http.CallEvery(std::chrono::milliseconds(20), [this] { workers.ExpireOverdue(); });
+  http.CallEvery(std::chrono::milliseconds(300), [this] { IndexPending(); });
 }
 
 std::string Server::Listen() {
   options.port = http.Listen(options.address, options.port);
-  // All addresses of a machine are not one to call.
+  // No client can call the wildcard address.
   const std::string& given = options.address;
   const std::string address = given == "0.0.0.0" ? "127.0.0.1" : given == "::" ? "::1" : given;
   const bool isIPv6 = address.find(':') != address.npos;
@@ -122,133 +113,107 @@ std::string Server::Listen() {
 }
 
 bool Server::Run() {
-  constexpr std::chrono::milliseconds kEnd(1500);
-  http.Run(WorkerPool::kPatience + std::chrono::milliseconds(500));
-  return workers.Stop(kEnd);
+  constexpr std::chrono::milliseconds kStopTimeout(1500);
+  http.Run(WorkerPool::kTimeout + std::chrono::milliseconds(500));
+  return workers.Stop(kStopTimeout);
 }
 
-void Server::Serve(Request request, HTTPServer::Answer answer) {
-  if (request.method != "GET" && request.method != "HEAD") {
-    answer(Refuse(request, 405, StatusFactsOf(405).reason));
-    return;
-  }
-  const auto asset = preview.find(request.target.substr(0, request.target.find('?')));
-  if (asset != preview.end()) {
-    answer(asset->second);
-    return;
-  }
-  const ParsedRequest visitor = VisitorOf(request);
-  if (!visitor.maker && IsPage(visitor.path)) {
-    answer(MakeResponse(200, kPlainText, Addresses(visitor.base)));
-    return;
-  }
-  // The page may fail here, or on a worker.
-  struct Asked {
-    Request request;
-    HTTPServer::Answer answer;
-    std::function<Document(Store&)> question;
-  };
-  const auto asked = std::make_shared<Asked>(Asked{std::move(request), std::move(answer), nullptr});
-  Response reply = Attempt(asked->request, [&] {
-    if (!visitor.maker) throw HTTPError(404, kNoPage);
-    auto finding = Route({*visitor.maker, visitor.base, visitor.path, visitor.params});
-    if (auto* found = std::get_if<Document>(&finding)) return MakeResponse(200, **found);
-    asked->question = std::get<1>(std::move(finding));
-    return Response{};
-  });
-  if (!asked->question) {
-    asked->answer(std::move(reply));
-    return;
-  }
-  workers.Do({[this, asked](Store& store) -> std::function<void()> {
-                Response found;
-                std::exception_ptr failure;
-                try {
-                  found = MakeResponse(200, *asked->question(store));
-                } catch (...) {
-                  failure = std::current_exception();
-                }
-                // Whoever has been given up meanwhile is in the log already.
-                return [this, asked, failure, found = std::move(found)]() mutable {
-                  asked->answer(Attempt(asked->request, [&] {
-                    if (failure != nullptr) std::rethrow_exception(failure);
-                    return std::move(found);
-                  }));
-                };
-              },
-              [this, asked] {
-                asked->answer(
-                    Refuse(asked->request, 503, kUnavailable, "the database takes too long"));
-              }});
-}
-
-// What `reply` gives, or what to say when it fails.
-Response Server::Attempt(const Request& request, const std::function<Response()>& reply) const {
+void Server::Serve(Request request, ResponseCallback done) {
+  std::variant<Response, Query> result;
   try {
-    return reply();
+    result = Dispatch(request);
+  } catch (...) {
+    result = Fail(request, std::current_exception());
+  }
+  if (auto* response = std::get_if<Response>(&result)) {
+    done(std::move(*response));
+    return;
+  }
+  workers.Submit({[query = std::get<Query>(std::move(result))](Store& store) {
+                    return MakeResponse(200, *query(store));
+                  },
+                  [this, request = std::move(request)](const std::exception_ptr& error) {
+                    return Fail(request, error);
+                  },
+                  std::move(done)});
+}
+
+// Returns the response, or the query that it takes.
+std::variant<Response, Server::Query> Server::Dispatch(const Request& request) const {
+  if (request.method != "GET" && request.method != "HEAD") {
+    throw HTTPError(405, StatusFactsOf(405).reason);
+  }
+  ParsedRequest parsed = Parse(request);
+  if (!parsed.target) throw HTTPError(400, StatusFactsOf(400).reason);
+  const auto asset = preview.find(parsed.target->path);
+  if (asset != preview.end()) return asset->second;
+  if (!parsed.maker) {
+    if (!IsPage(parsed.target->segments)) throw HTTPError(404, kNoPage);
+    return MakeResponse(200, kPlainText, Addresses(parsed.base));
+  }
+  auto page = Route({*parsed.maker, std::move(parsed.base), std::move(parsed.target->segments),
+                     std::move(parsed.target->params)});
+  if (auto* document = std::get_if<Document>(&page)) return MakeResponse(200, **document);
+  return std::get<Query>(std::move(page));
+}
+
+// Returns the error page of an exception, and logs it.
+Response Server::Fail(const Request& request, const std::exception_ptr& error) const {
+  try {
+    std::rethrow_exception(error);
   } catch (const HTTPError& refusal) {
     return Refuse(request, refusal.status, refusal.what());
-  } catch (const DatabaseUnavailable& error) {
-    return Refuse(request, 503, kUnavailable, error.what());
-  } catch (const std::exception& error) {
-    return Refuse(request, 500, StatusFactsOf(500).reason, error.what());
+  } catch (const DatabaseUnavailable& failure) {
+    return Refuse(request, 503, kUnavailable, failure.what());
+  } catch (const std::exception& failure) {
+    return Refuse(request, 500, StatusFactsOf(500).reason, failure.what());
   }
 }
 
+// Returns an error page, and logs it.
+// @param cause what the log tells instead of the reason.
 Response Server::Refuse(const Request& request, int status, const std::string& reason,
                         const std::string& cause) const {
   Log(request, status, cause.empty() ? reason : cause);
-  const ParsedRequest visitor = VisitorOf(request);
-  Response reply =
-      visitor.maker ? MakeResponse(status, *ComposeErrorPage(*visitor.maker, visitor.base,
-                                                             StatusFactsOf(status).title, reason))
-                    : MakeResponse(status, kPlainText, reason + "\n" + Addresses(visitor.base));
-  if (status == 405) reply.fields.emplace_back("Allow", "GET, HEAD");
-  if (status == 503) reply.fields.emplace_back("Retry-After", "5");
-  return reply;
+  const ParsedRequest parsed = Parse(request);
+  Response response =
+      parsed.maker ? MakeResponse(status, *ComposeErrorPage(*parsed.maker, parsed.base,
+                                                            StatusFactsOf(status).title, reason))
+                   : MakeResponse(status, kPlainText, reason + "\n" + Addresses(parsed.base));
+  if (status == 405) response.fields.emplace_back("Allow", "GET, HEAD");
+  if (status == 503) response.fields.emplace_back("Retry-After", "5");
+  return response;
 }
 
-Server::ParsedRequest Server::VisitorOf(const Request& request) const {
-  ParsedRequest visitor;
-  visitor.base = options.baseURL;
-  if (visitor.base.empty()) {
-    const bool isHost = !request.host.empty() && PercentEncode(request.host, ":[]") == request.host;
-    visitor.base = "http://" + (isHost ? request.host : ownHost);
+Server::ParsedRequest Server::Parse(const Request& request) const {
+  ParsedRequest parsed{{}, options.baseURL, ParseRequestTarget(request.target)};
+  if (parsed.base.empty()) {
+    const bool isAbsolute = parsed.target && !parsed.target->host.empty();
+    const std::string& host = isAbsolute ? parsed.target->host : request.host;
+    parsed.base = "http://" + (IsHost(host) ? host : ownHost);
   }
-  std::string_view query = request.target;
-  for (std::string_view path = Take(query, '?'); !path.empty();) {
-    const auto segment = Take(path, '/');
-    if (!segment.empty()) visitor.path.push_back(PercentDecode(segment, false));
+  if (parsed.target && !parsed.target->segments.empty()) {
+    auto& segments = parsed.target->segments;
+    parsed.maker = teleform::screens::MakerOfSlug(segments.front());
+    if (parsed.maker) segments.erase(segments.begin());
   }
-  while (!query.empty()) {
-    std::string_view value = Take(query, '&');
-    const auto name = Take(value, '=');
-    visitor.params.emplace(PercentDecode(name, true), PercentDecode(value, true));
-  }
-  if (!visitor.path.empty()) visitor.maker = teleform::screens::MakerOfSlug(visitor.path.front());
-  if (visitor.maker) {
-    visitor.path.erase(visitor.path.begin());
-  } else {
-    visitor.maker = teleform::screens::MakerOfUserAgent(request.userAgent);
-  }
-  return visitor;
+  if (!parsed.maker) parsed.maker = teleform::screens::MakerOfUserAgent(request.userAgent);
+  return parsed;
 }
 
-// Lets a worker sort in what other programs have written, again at once while there is more.
+// Indexes what other programs have written, and goes on while contacts are pending.
 void Server::IndexPending() {
-  if (isRefreshing.exchange(true)) return;
-  workers.Do({[this](Store& store) -> std::function<void()> {
-                bool hasMore = false;
-                try {
-                  hasMore = store.IndexPending();
-                } catch (const std::exception&) {  // phones are told, and may read what is there
-                }
-                return [this, hasMore] {
-                  isRefreshing = false;
-                  if (hasMore) IndexPending();
-                };
-              },
-              [this] { isRefreshing = false; }});
+  if (isIndexing.exchange(true)) return;
+  workers.Submit({[this](Store& store) {
+                    hasPending = store.IndexPending();
+                    return Response{};
+                  },
+                  // Requests report a database that fails.
+                  [](const std::exception_ptr&) { return Response{}; },
+                  [this](const Response&) {
+                    isIndexing = false;
+                    if (hasPending.exchange(false)) IndexPending();
+                  }});
 }
 
 }  // namespace phonebook

@@ -4,58 +4,61 @@
 
 #include <atomic>
 #include <cstddef>
+#include <exception>
 #include <functional>
 #include <map>
 #include <optional>
 #include <string>
-#include <vector>
+#include <variant>
 
 #include "phonebook/http_server.h"
 #include "phonebook/pages.h"
+#include "phonebook/url.h"
 #include "phonebook/worker_pool.h"
 
 namespace phonebook {
 
 struct ServerOptions {
   std::string address = "127.0.0.1";
-  int port = 8080;              ///< 0 takes any that is free.
-  std::size_t phones = 20000;   ///< As many connections at the same time.
-  std::size_t connections = 8;  ///< As many questions to the database at the same time.
-  std::string baseURL;          ///< What links begin with, where the Host header can't be used.
+  int port = 8080;  ///< 0 for any free port.
+  std::size_t maxConnections = 20000;
+  std::size_t databaseConnections = 8;
+  std::string baseURL;  ///< What links begin with; by default the Host field of the request.
 };
 
-/// Answers phones with documents, and browsers with the preview.
+/// Serves documents to phones, and the preview to browsers.
 class Server {
  public:
   Server(const std::string& database, ServerOptions options);
 
   /// Opens the port.
-  /// @return an address of it and the port, as a URL has them.
-  /// @throws std::runtime_error when the port can't be had.
+  /// @return the host and port of a URL that reaches it.
+  /// @throws std::runtime_error when the port is not available.
   std::string Listen();
 
-  /// Serves until `Stop`, and answers what has been asked before.
-  /// @return whether the database has let go of all workers; if not, nothing may be destroyed any
-  /// more.
+  /// Serves until `Stop`, and answers the requests that arrived before.
+  /// @return whether all workers have ended; if not, the server must not be destroyed.
   bool Run();
 
   /// May be called from any thread.
   void Stop() { http.Stop(); }
 
  private:
-  // Who asks, and for what of a maker's pages.
+  using Query = std::function<Document(Store&)>;
+
+  // A request, the client's maker and the URL that its links begin with.
   struct ParsedRequest {
     std::optional<Maker> maker;
-    std::string base;  // what links begin with
-    std::vector<std::string> path;
-    std::map<std::string, std::string> params;
+    std::string base;
+    std::optional<RequestTarget> target;  // whose segments are those behind the maker's
   };
 
-  void Serve(Request request, HTTPServer::Answer answer);
-  Response Attempt(const Request& request, const std::function<Response()>& reply) const;
+  void Serve(Request request, ResponseCallback done);
+  std::variant<Response, Query> Dispatch(const Request& request) const;
+  Response Fail(const Request& request, const std::exception_ptr& error) const;
   Response Refuse(const Request& request, int status, const std::string& reason,
                   const std::string& cause = "") const;
-  ParsedRequest VisitorOf(const Request& request) const;
+  ParsedRequest Parse(const Request& request) const;
   void IndexPending();
 
   ServerOptions options;
@@ -63,10 +66,11 @@ class Server {
   const std::map<std::string, Response> preview;  // by path
   HTTPServer http;
   WorkerPool workers;
-  std::atomic<bool> isRefreshing = false;
+  std::atomic<bool> isIndexing = false;
+  std::atomic<bool> hasPending = false;
 };
 
-/// The addresses to try, one a maker.
+/// The URLs of the home pages of all makers, one a line.
 /// @param server "http://" and the host.
 std::string Addresses(const std::string& server);
 

@@ -1,11 +1,22 @@
 #include "phonebook/worker_pool.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace phonebook {
 
-WorkerPool::WorkerPool(const std::string& database, std::size_t count) : running(count) {
-  for (std::size_t i = 0; i < count; ++i) workers.emplace_back(database);
+namespace {
+
+void Fail(const Task& task, const std::exception_ptr& error) { task.done(task.fail(error)); }
+
+void FailUnserved(const Task& task) {
+  Fail(task, std::make_exception_ptr(DatabaseUnavailable("the database takes too long")));
+}
+
+}  // namespace
+
+WorkerPool::WorkerPool(const std::string& database, std::size_t size) : running(size) {
+  for (std::size_t i = 0; i < size; ++i) workers.emplace_back(database);
   for (auto& worker : workers) {
     worker.thread = std::thread([this, &worker] { Work(worker); });
   }
@@ -16,68 +27,66 @@ WorkerPool::~WorkerPool() {
   for (auto& worker : workers) worker.thread.join();
 }
 
-void WorkerPool::Do(Job job) {
+void WorkerPool::Submit(Task task) {
+  const auto queued = std::make_shared<QueuedTask>();
+  queued->task = std::move(task);
+  queued->deadline = Clock::now() + kTimeout;
   {
     const std::lock_guard lock(mutex);
-    if (queue.size() < kLongestQueue && !isStopping) {
-      queue.push_back(std::make_shared<Task>(Task{std::move(job), Clock::now() + kPatience}));
-      WakeSomebody();
+    if (queue.size() < kMaxQueue && !isStopping) {
+      queue.push_back(queued);
+      WakeWorker();
       return;
     }
   }
-  job.giveUp();
-}
-
-void WorkerPool::Watch() {
-  GiveUp(Clock::now());
-  const std::lock_guard lock(mutex);
-  WakeSomebody();
-}
-
-bool WorkerPool::Stop(std::chrono::milliseconds patience) {
-  constexpr std::chrono::milliseconds kGlance(50);
-  const auto end = Clock::now() + patience;
-  std::unique_lock lock(mutex);
-  isStopping = true;
-  for (auto& worker : workers) worker.wake.notify_one();
-  while (running > 0 && Clock::now() < end) {
-    lock.unlock();
-    GiveUp(Clock::time_point::max());
-    lock.lock();
-    ended.wait_for(lock, kGlance, [this] { return running == 0; });
-  }
-  return running == 0;
+  FailUnserved(queued->task);
 }
 
 void WorkerPool::Work(Worker& worker) {
-  std::function<void()> answer;
-  for (std::unique_lock lock(mutex);; lock.lock()) {
-    auto task = std::exchange(worker.task, nullptr);
-    const bool isLate = task != nullptr && std::exchange(task->isOver, true);
-    if (task != nullptr) average += (Clock::now() - worker.begin - average) / 16;
-    while (task == nullptr && queue.empty() && !isStopping) {
-      worker.isAsleep = true;
-      worker.wake.wait(lock, [&] { return !worker.isAsleep || isStopping; });
-    }
-    if (task == nullptr && isStopping) {
-      --running;
-      ended.notify_all();
-      return;
-    }
-    if (!queue.empty()) {
-      worker.task = std::move(queue.front());
-      queue.pop_front();
-      worker.begin = Clock::now();
-    }
-    lock.unlock();
-    if (task != nullptr && !isLate) answer();
-    if (worker.task != nullptr) answer = worker.task->job.ask(worker.store);
+  while (const auto task = NextTask(worker)) Run(*task, worker.store);
+}
+
+// Waits for a task. Returns none when the pool is stopped.
+std::shared_ptr<WorkerPool::QueuedTask> WorkerPool::NextTask(Worker& worker) {
+  std::shared_ptr<QueuedTask> previous;  // is destroyed without the lock
+  std::unique_lock lock(mutex);
+  previous = std::exchange(worker.task, nullptr);
+  if (previous != nullptr) average += (Clock::now() - worker.begin - average) / 16;
+  while (queue.empty() && !isStopping) {
+    worker.isAsleep = true;
+    worker.wake.wait(lock, [&] { return !worker.isAsleep || isStopping; });
+  }
+  if (isStopping) {
+    --running;
+    ended.notify_all();
+    return nullptr;
+  }
+  worker.task = std::move(queue.front());
+  queue.pop_front();
+  worker.begin = Clock::now();
+  return worker.task;
+}
+
+// Runs a task and finishes it, unless it has expired meanwhile.
+void WorkerPool::Run(QueuedTask& queued, Store& store) {
+  Response response;
+  std::exception_ptr error;
+  try {
+    response = queued.task.run(store);
+  } catch (...) {
+    error = std::current_exception();
+  }
+  if (queued.isFinished.exchange(true)) return;
+  if (error != nullptr) {
+    Fail(queued.task, error);
+  } else {
+    queued.task.done(std::move(response));
   }
 }
 
-// Where jobs take some microseconds, more than one worker spends more time on taking turns than on
-// them: others are woken only if those who are awake won't come to the last job soon.
-void WorkerPool::WakeSomebody() {
+// Where tasks take some microseconds, more than one worker spends more time on taking turns than on
+// them: others are woken only if those that are awake won't reach the last task soon.
+void WorkerPool::WakeWorker() {
   constexpr std::chrono::milliseconds kSoon(1);
   const auto now = Clock::now();
   Worker* sleeper = nullptr;
@@ -95,21 +104,38 @@ void WorkerPool::WakeSomebody() {
   sleeper->wake.notify_one();
 }
 
-void WorkerPool::GiveUp(Clock::time_point dueBefore) {
-  std::vector<std::shared_ptr<Task>> late;
+void WorkerPool::ExpireOverdue(Clock::time_point now) {
+  std::vector<std::shared_ptr<QueuedTask>> expired;
   {
     const std::lock_guard lock(mutex);
-    while (!queue.empty() && queue.front()->due <= dueBefore) {
-      late.push_back(std::move(queue.front()));
+    while (!queue.empty() && queue.front()->deadline <= now) {
+      expired.push_back(std::move(queue.front()));
       queue.pop_front();
     }
     for (auto& worker : workers) {
-      if (worker.task == nullptr || worker.task->due > dueBefore) continue;
-      if (!std::exchange(worker.task->isOver, true)) late.push_back(worker.task);
+      if (worker.task == nullptr || worker.task->deadline > now) continue;
+      if (!worker.task->isFinished.exchange(true)) expired.push_back(worker.task);
       worker.store.Interrupt();
     }
+    WakeWorker();
   }
-  for (const auto& task : late) task->job.giveUp();
+  for (const auto& queued : expired) FailUnserved(queued->task);
+}
+
+bool WorkerPool::Stop(std::chrono::milliseconds timeout) {
+  constexpr std::chrono::milliseconds kInterval(50);
+  const auto end = Clock::now() + timeout;
+  std::unique_lock lock(mutex);
+  isStopping = true;
+  for (auto& worker : workers) worker.wake.notify_one();
+  do {
+    lock.unlock();
+    ExpireOverdue(Clock::time_point::max());
+    lock.lock();
+    ended.wait_until(lock, std::min(end, Clock::now() + kInterval),
+                     [this] { return running == 0; });
+  } while (running > 0 && Clock::now() < end);
+  return running == 0;
 }
 
 }  // namespace phonebook

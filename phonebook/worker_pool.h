@@ -1,11 +1,13 @@
 /// @file
-/// Threads that ask the database, so that nobody else waits for it.
+/// Threads that query the database, so that the serving thread never waits for it.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -14,67 +16,75 @@
 #include <vector>
 
 #include "phonebook/database/store.h"
+#include "phonebook/http_message.h"
 
 namespace phonebook {
 
-/// Something to ask the database. Neither function may throw.
-struct Job {
-  /// Asks on a worker, and gives how to tell the answer, which is called if there is still time.
-  std::function<std::function<void()>(Store&)> ask;
-  /// Called instead, on any thread, when there is no time for an answer.
-  std::function<void()> giveUp;
+/// A task whose response comes from the database. Either its result or its failure is delivered,
+/// once.
+struct Task {
+  /// Runs on a worker thread, and may throw.
+  std::function<Response(Store&)> run;
+  /// Returns the response to an exception of `run`, or to `DatabaseUnavailable` when there is no
+  /// time or place for the task. Called on any thread, at most once. Must not throw.
+  std::function<Response(const std::exception_ptr&)> fail;
+  /// Delivers the response, on any thread. Must not throw.
+  ResponseCallback done;
 };
 
-/// As many threads as connections to the database, and a bounded queue before them. What does not
-/// fit, or takes longer than `kPatience`, waiting included, is given up.
+/// Worker threads, one per connection to the database, fed by a bounded queue.
 class WorkerPool {
  public:
-  static constexpr std::chrono::milliseconds kPatience{2500};
-  static constexpr std::size_t kLongestQueue = 512;
+  using Clock = std::chrono::steady_clock;
 
-  WorkerPool(const std::string& database, std::size_t count);
+  /// The time for a task, including its time in the queue.
+  static constexpr std::chrono::milliseconds kTimeout{2500};
+  static constexpr std::size_t kMaxQueue = 512;
+
+  WorkerPool(const std::string& database, std::size_t size);
 
   /// Waits for the threads to end.
   ~WorkerPool();
 
-  /// May be called from any thread.
-  void Do(Job job);
+  /// Queues a task; it fails at once if the queue is full or the pool is stopped. May be called
+  /// from any thread.
+  void Submit(Task task);
 
-  /// Gives up what has taken too long, and frees the workers that are at it. To be called several
-  /// times a second; it never waits for the database.
-  void Watch();
+  /// Fails the overdue tasks and interrupts their queries. Call it several times a second; it never
+  /// waits for the database.
+  void ExpireOverdue(Clock::time_point now = Clock::now());
 
-  /// Gives up all jobs and ends the threads.
-  /// @return whether they have ended within `patience`. If not, the destructor may wait for ever.
-  bool Stop(std::chrono::milliseconds patience);
+  /// Fails all tasks and ends the threads.
+  /// @return whether they have ended within `timeout`. If not, the destructor may wait forever.
+  bool Stop(std::chrono::milliseconds timeout);
 
  private:
-  using Clock = std::chrono::steady_clock;
-  struct Task {
-    Job job;
-    Clock::time_point due;
-    bool isOver = false;  // that is answered or given up
+  struct QueuedTask {
+    Task task;
+    Clock::time_point deadline;
+    std::atomic<bool> isFinished = false;  // its response is delivered, or will be by one thread
   };
   struct Worker {
     explicit Worker(const std::string& database) : store(database) {}
     Store store;
-    std::shared_ptr<Task> task;  // that it is at
-    Clock::time_point begin;     // of the task
+    std::shared_ptr<QueuedTask> task;
+    Clock::time_point begin;  // of the task
     bool isAsleep = false;
     std::condition_variable wake;
     std::thread thread;
   };
 
   void Work(Worker& worker);
-  void WakeSomebody();
-  void GiveUp(Clock::time_point dueBefore);
+  std::shared_ptr<QueuedTask> NextTask(Worker& worker);
+  static void Run(QueuedTask& queued, Store& store);
+  void WakeWorker();
 
   std::mutex mutex;
   std::condition_variable ended;
-  std::deque<std::shared_ptr<Task>> queue;
+  std::deque<std::shared_ptr<QueuedTask>> queue;
   std::deque<Worker> workers;
-  Clock::duration average{};  // of what jobs take
-  std::size_t running = 0;
+  Clock::duration average{};  // of the running time of tasks
+  std::size_t running = 0;    // workers
   bool isStopping = false;
 };
 

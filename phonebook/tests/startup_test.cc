@@ -52,7 +52,7 @@ TEST_P(PhoneBook, LeavesNothingBehindWhenTheImportIsStopped) {
     return locks > 0;
   }));
   EXPECT_EQ(WEXITSTATUS(server.Stop()), 1);
-  EXPECT_EQ(ContentOf(server.log), "phonebook: stopped; the database is as it was\n");
+  EXPECT_EQ(ContentOf(server.log), "phonebook: stopped; the database is unchanged\n");
   EXPECT_FALSE(fs::exists(database));
   EXPECT_EQ(ParsedPage(Serve()->Get("/snom/directory").text).First("//Name"), "Adebayo, Folasade");
 }

@@ -1,0 +1,90 @@
+/// @file
+/// A connection of the HTTP server. It reads one request at a time, has it served and writes the
+/// response. Private to the server.
+#pragma once
+
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/beast/core/error.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http.hpp>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "phonebook/http_server.h"
+
+namespace phonebook {
+
+class Connection;
+
+/// The server of a connection.
+class ConnectionOwner {
+ public:
+  ConnectionOwner(HTTPHandlers theHandlers, HTTPLimits theLimits)
+      : handlers(std::move(theHandlers)), limits(theLimits) {}
+  ConnectionOwner(const ConnectionOwner&) = delete;
+  ConnectionOwner& operator=(const ConnectionOwner&) = delete;
+  virtual ~ConnectionOwner() = default;
+
+  /// Writes a response on the serving thread, if the connection still exists. May be called from
+  /// any thread.
+  virtual void Respond(const std::weak_ptr<Connection>& connection, Response response) = 0;
+
+  /// Forgets a connection that has ended.
+  virtual void Remove(const std::shared_ptr<Connection>& connection) = 0;
+
+  const HTTPHandlers handlers;
+  const HTTPLimits limits;
+  bool isStopping = false;
+};
+
+class Connection : public std::enable_shared_from_this<Connection> {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  /// @param address the client's.
+  Connection(ConnectionOwner& owner, boost::asio::ip::tcp::socket socket, std::string address);
+
+  /// Waits for the next request, which may have arrived with the one before, and serves it.
+  void ReadRequest();
+
+  void Write(Response response);
+
+  /// Ends a step that is overdue: refuses an incomplete request, or else closes the connection.
+  void CheckDeadline(Clock::time_point now);
+
+  /// Closes the connection unless a request has begun to arrive.
+  void CloseIfIdle();
+
+ private:
+  using error_code = boost::beast::error_code;
+
+  void Parse();
+  void Read();
+  void OnRead(error_code error, std::size_t size);
+  void Serve();
+  void Refuse(error_code error);
+  void Refuse(int status);
+  Request Described() const;
+  void OnWrite(error_code error);
+  void Shutdown();
+  void Drain();
+  void Remove() { owner.Remove(shared_from_this()); }
+  void SetDeadline(std::chrono::milliseconds timeout) { deadline = Clock::now() + timeout; }
+
+  ConnectionOwner& owner;
+  boost::asio::ip::tcp::socket socket;
+  std::string address;
+  Clock::time_point deadline;
+  boost::beast::flat_buffer buffer;
+  std::optional<boost::beast::http::request_parser<boost::beast::http::string_body>> parser;
+  std::optional<boost::beast::http::response<boost::beast::http::string_body>> message;
+  bool isIdle = false;
+  bool isOverdue = false;
+  bool isKeptAlive = false;
+  bool isHead = false;
+  bool isHTTP10 = false;
+};
+
+}  // namespace phonebook

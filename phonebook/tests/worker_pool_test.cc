@@ -1,0 +1,133 @@
+// The order, bounds and deadlines of tasks.
+#include "phonebook/worker_pool.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <exception>
+#include <functional>
+#include <future>
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace phonebook {
+
+namespace {
+
+// A pool of one worker, whose first task runs until the gate opens.
+class WorkerPoolWithGate : public testing::Test {
+ protected:
+  WorkerPoolWithGate() {
+    const auto started = std::make_shared<std::promise<void>>();
+    Submit("gate", [started, opened = gate.get_future().share()] {
+      started->set_value();
+      opened.wait();
+    });
+    started->get_future().wait();
+  }
+  ~WorkerPoolWithGate() override { Open(); }
+
+  // A task that tells in `delivered` how it ends: by its name, and the message of an exception.
+  void Submit(
+      const std::string& name, const std::function<void()>& run = [] {}) {
+    pool.Submit({[name, run](Store&) {
+                   run();
+                   return Response{200, "", name};
+                 },
+                 [name](const std::exception_ptr& error) {
+                   try {
+                     std::rethrow_exception(error);
+                   } catch (const std::exception& failure) {
+                     return Response{503, "", name + ": " + failure.what()};
+                   }
+                 },
+                 [this](const Response& response) {
+                   const std::lock_guard lock(mutex);
+                   delivered += response.body + "\n";
+                 }});
+  }
+  void Open() {
+    if (!std::exchange(isOpen, true)) gate.set_value();
+  }
+  // Waits until the worker has finished what was submitted before.
+  void Finish() {
+    const auto finished = std::make_shared<std::promise<void>>();
+    pool.Submit({[](Store&) { return Response{}; },
+                 [](const std::exception_ptr&) { return Response{}; },
+                 [finished](const Response&) { finished->set_value(); }});
+    finished->get_future().wait();
+  }
+  std::string Delivered() {
+    const std::lock_guard lock(mutex);
+    return std::exchange(delivered, "");
+  }
+
+  static std::string Late(const std::string& name) {
+    return name + ": the database takes too long\n";
+  }
+
+  std::mutex mutex;
+  std::string delivered;
+  bool isOpen = false;
+  std::promise<void> gate;
+  WorkerPool pool{"never opened.db", 1};
+};
+
+TEST_F(WorkerPoolWithGate, RunsTasksInOrder) {
+  Submit("1");
+  Submit("2", [] { throw std::runtime_error("failed"); });
+  Submit("3");
+  EXPECT_EQ(Delivered(), "");
+  Open();
+  Finish();
+  EXPECT_EQ(Delivered(), "gate\n1\n2: failed\n3\n");
+}
+
+TEST_F(WorkerPoolWithGate, BoundsItsQueue) {
+  std::string all = "gate\n";
+  for (std::size_t i = 1; i < WorkerPool::kMaxQueue; ++i) {
+    Submit(std::to_string(i));
+    all += std::to_string(i) + "\n";
+  }
+  const auto last = std::make_shared<std::promise<void>>();
+  Submit("last", [last] { last->set_value(); });
+  EXPECT_EQ(Delivered(), "");
+  Submit("one more");
+  EXPECT_EQ(Delivered(), Late("one more"));
+  Open();
+  last->get_future().wait();
+  Finish();
+  EXPECT_EQ(Delivered(), all + "last\n");
+}
+
+TEST_F(WorkerPoolWithGate, ExpiresRunningAndQueuedTasks) {
+  Submit("1");
+  const auto now = WorkerPool::Clock::now();
+  pool.ExpireOverdue(now);
+  EXPECT_EQ(Delivered(), "");
+  pool.ExpireOverdue(now + WorkerPool::kTimeout);
+  EXPECT_EQ(Delivered(), Late("1") + Late("gate"));
+  pool.ExpireOverdue(now + WorkerPool::kTimeout);
+  Submit("2");
+  Open();
+  Finish();
+  EXPECT_EQ(Delivered(), "2\n");  // the gate's response came too late
+}
+
+TEST_F(WorkerPoolWithGate, StopsWithinItsDeadline) {
+  Submit("1");
+  EXPECT_FALSE(pool.Stop({}));
+  EXPECT_EQ(Delivered(), Late("1") + Late("gate"));
+  Submit("2");
+  EXPECT_EQ(Delivered(), Late("2"));
+  Open();
+  EXPECT_TRUE(pool.Stop(std::chrono::seconds(30)));
+  EXPECT_EQ(Delivered(), "");
+}
+
+}  // namespace
+
+}  // namespace phonebook
