@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "phonebook/connection.h"
+#include "phonebook/http_connection.h"
 
 namespace phonebook {
 
@@ -36,11 +36,11 @@ class HTTPServer::Implementation : public ConnectionOwner {
   void Run(std::chrono::milliseconds timeout);
   void Stop();
 
-  void Respond(const std::weak_ptr<Connection>& connection, Response response) override;
-  void Remove(const std::shared_ptr<Connection>& connection) override;
+  void Respond(const std::weak_ptr<HTTPConnection>& connection, Response response) override;
+  void Remove(const std::shared_ptr<HTTPConnection>& connection) override;
 
  private:
-  using QueuedResponse = std::pair<std::weak_ptr<Connection>, Response>;
+  using QueuedResponse = std::pair<std::weak_ptr<HTTPConnection>, Response>;
 
   void Accept();
   void OnAccept(tcp::socket socket);
@@ -52,7 +52,7 @@ class HTTPServer::Implementation : public ConnectionOwner {
   std::mutex mutex;
   std::vector<QueuedResponse> queue;
   asio::io_context context{1};
-  std::unordered_set<std::shared_ptr<Connection>> connections;
+  std::unordered_set<std::shared_ptr<HTTPConnection>> connections;
   tcp::acceptor acceptor{context};
   tcp::endpoint peer;  // the client accepted last; its socket forgets the address once it has gone
   asio::steady_timer pause{context};
@@ -94,17 +94,17 @@ void HTTPServer::Implementation::Accept() {
 
 void HTTPServer::Implementation::OnAccept(tcp::socket socket) {
   const auto connection =
-      std::make_shared<Connection>(*this, std::move(socket), peer.address().to_string());
+      std::make_shared<HTTPConnection>(*this, std::move(socket), peer.address().to_string());
   connections.insert(connection);
   connection->ReadRequest();
 }
 
 void HTTPServer::Implementation::CheckDeadlines() {
-  const auto now = Connection::Clock::now();
+  const auto now = HTTPConnection::Clock::now();
   for (const auto& connection : connections) connection->CheckDeadline(now);
 }
 
-void HTTPServer::Implementation::Remove(const std::shared_ptr<Connection>& connection) {
+void HTTPServer::Implementation::Remove(const std::shared_ptr<HTTPConnection>& connection) {
   connections.erase(connection);
   if (isStopping && connections.empty()) {
     context.stop();
@@ -114,7 +114,7 @@ void HTTPServer::Implementation::Remove(const std::shared_ptr<Connection>& conne
 }
 
 // Responses come from other threads. One wake-up of the serving thread writes all queued ones.
-void HTTPServer::Implementation::Respond(const std::weak_ptr<Connection>& connection,
+void HTTPServer::Implementation::Respond(const std::weak_ptr<HTTPConnection>& connection,
                                          Response response) {
   {
     const std::lock_guard lock(mutex);

@@ -30,7 +30,7 @@ std::string WithTimeouts(const std::string& uri) {
 
 }  // namespace
 
-Connection::Connection(const std::string& database) : dialect(DialectOf(database)) {
+DatabaseConnection::DatabaseConnection(const std::string& database) : dialect(DialectOf(database)) {
   if (dialect.isPostgreSQL) {
     OpenServer(database);
   } else {
@@ -38,11 +38,11 @@ Connection::Connection(const std::string& database) : dialect(DialectOf(database
   }
 }
 
-Connection::~Connection() {
+DatabaseConnection::~DatabaseConnection() {
   if (socket != -1) close(socket);
 }
 
-void Connection::OpenServer(const std::string& uri) {
+void DatabaseConnection::OpenServer(const std::string& uri) {
   session.open(soci::postgresql, WithTimeouts(uri));
   auto* const backend = session.get_backend();
   socket = dup(PQsocket(static_cast<soci::postgresql_session_backend*>(backend)->conn_));
@@ -55,7 +55,7 @@ void Connection::OpenServer(const std::string& uri) {
   }
 }
 
-void Connection::OpenFile(const std::string& path) {
+void DatabaseConnection::OpenFile(const std::string& path) {
   if (!isSQLiteConfigured) throw std::runtime_error("SQLite can't be configured for threads");
   // A URI, in whose path neither SQLite nor SOCI finds a meaning.
   const std::string uri =
@@ -74,7 +74,7 @@ void Connection::OpenFile(const std::string& path) {
   }
 }
 
-void Connection::Interrupt() noexcept {
+void DatabaseConnection::Interrupt() noexcept {
   if (dialect.isPostgreSQL) {
     shutdown(socket, SHUT_RDWR);  // the one way to end a wait for a server that doesn't answer
   } else {

@@ -11,14 +11,14 @@
 namespace phonebook {
 
 /// A connection that waits for nothing longer than some seconds.
-class Connection {
+class DatabaseConnection {
  public:
   /// @param database the path of an SQLite file, or a URI of PostgreSQL.
   /// @throws soci::soci_error when the database doesn't answer.
-  explicit Connection(const std::string& database);
-  ~Connection();
-  Connection(const Connection&) = delete;
-  Connection& operator=(const Connection&) = delete;
+  explicit DatabaseConnection(const std::string& database);
+  ~DatabaseConnection();
+  DatabaseConnection(const DatabaseConnection&) = delete;
+  DatabaseConnection& operator=(const DatabaseConnection&) = delete;
 
   /// Makes the present query fail. Callable from any thread; never waits.
   void Interrupt() noexcept;

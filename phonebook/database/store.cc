@@ -36,7 +36,7 @@ bool CreateFile(const std::string& path) {
   return created != -1;
 }
 
-void Upgrade(Connection& connection, int version) {
+void Upgrade(DatabaseConnection& connection, int version) {
   try {
     UpgradeSchema(connection.session, connection.dialect, version);
   } catch (const soci::soci_error& error) {
@@ -48,7 +48,7 @@ void Upgrade(Connection& connection, int version) {
 
 // Tries all statements: a database may have the version, and yet not all of its columns. Those of
 // the indexer are only prepared, as a database is served, too, to a role that may not write.
-void Validate(Connection& connection) {
+void Validate(DatabaseConnection& connection) {
   ValidateTriggersAndIndexes(connection.session, connection.dialect);
   try {
     Queries(connection.session, connection.dialect).RunAll();
@@ -60,7 +60,7 @@ void Validate(Connection& connection) {
 }
 
 // Begins to write, unless `report` stops a wait for others that write.
-void AwaitTransaction(std::optional<Transaction>& transaction, Connection& connection,
+void AwaitTransaction(std::optional<Transaction>& transaction, DatabaseConnection& connection,
                       const ImportReporter& report) {
   while (!transaction) {
     try {
@@ -72,7 +72,7 @@ void AwaitTransaction(std::optional<Transaction>& transaction, Connection& conne
   }
 }
 
-void CreateOrUpgrade(Connection& connection, const std::vector<Contact>& contacts,
+void CreateOrUpgrade(DatabaseConnection& connection, const std::vector<Contact>& contacts,
                      const ImportReporter& report) {
   soci::session& session = connection.session;
   const Dialect& dialect = connection.dialect;
@@ -102,7 +102,7 @@ struct Store::Opened {
 
   const std::string identity;
   Clock::time_point seen = Clock::now();  // when the database had this identity
-  Connection connection;
+  DatabaseConnection connection;
   Queries queries;
   std::optional<SearchIndexer> indexer;
 };
@@ -143,7 +143,7 @@ bool Store::CreateOrOpen(const std::vector<Contact>& contacts, const ImportProgr
   std::exception_ptr failure;
   try {
     isDone = Run<bool>([&](Opened& store) {
-      Connection& connection = store.connection;
+      DatabaseConnection& connection = store.connection;
       if (FindSchemaVersion(connection.session, connection.dialect) == kSchemaVersion) {
         Validate(connection);
       } else {

@@ -16,7 +16,7 @@
 
 namespace phonebook {
 
-class Connection;
+class HTTPConnection;
 
 /// The server of a connection.
 class ConnectionOwner {
@@ -29,22 +29,22 @@ class ConnectionOwner {
 
   /// Writes a response on the serving thread, if the connection still exists. May be called from
   /// any thread.
-  virtual void Respond(const std::weak_ptr<Connection>& connection, Response response) = 0;
+  virtual void Respond(const std::weak_ptr<HTTPConnection>& connection, Response response) = 0;
 
   /// Forgets a connection that has ended.
-  virtual void Remove(const std::shared_ptr<Connection>& connection) = 0;
+  virtual void Remove(const std::shared_ptr<HTTPConnection>& connection) = 0;
 
   const HTTPHandlers handlers;
   const HTTPLimits limits;
   bool isStopping = false;
 };
 
-class Connection : public std::enable_shared_from_this<Connection> {
+class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
  public:
   using Clock = std::chrono::steady_clock;
 
   /// @param address the client's.
-  Connection(ConnectionOwner& owner, boost::asio::ip::tcp::socket socket, std::string address);
+  HTTPConnection(ConnectionOwner& owner, boost::asio::ip::tcp::socket socket, std::string address);
 
   /// Waits for the next request, which may have arrived with the one before, and serves it.
   void ReadRequest();

@@ -1,4 +1,4 @@
-#include "phonebook/connection.h"
+#include "phonebook/http_connection.h"
 
 #include <cstdint>
 #include <utility>
@@ -12,17 +12,18 @@ namespace http = boost::beast::http;
 using asio::ip::tcp;
 using boost::beast::error_code;
 
-constexpr auto kNever = Connection::Clock::time_point::max();
+constexpr auto kNever = HTTPConnection::Clock::time_point::max();
 
 }  // namespace
 
-Connection::Connection(ConnectionOwner& theOwner, tcp::socket theSocket, std::string theAddress)
+HTTPConnection::HTTPConnection(ConnectionOwner& theOwner, tcp::socket theSocket,
+                               std::string theAddress)
     : owner(theOwner), socket(std::move(theSocket)), address(std::move(theAddress)) {
   error_code ignored;
   socket.set_option(tcp::no_delay(true), ignored);
 }
 
-void Connection::ReadRequest() {
+void HTTPConnection::ReadRequest() {
   parser.emplace();
   parser->header_limit(static_cast<std::uint32_t>(owner.limits.maxHeader));
   parser->body_limit(owner.limits.maxBody);
@@ -32,7 +33,7 @@ void Connection::ReadRequest() {
   Parse();
 }
 
-void Connection::Parse() {
+void HTTPConnection::Parse() {
   error_code error;
   if (buffer.size() > 0) {
     if (std::exchange(isIdle, false)) SetDeadline(owner.limits.requestTimeout);
@@ -49,7 +50,7 @@ void Connection::Parse() {
   }
 }
 
-void Connection::Read() {
+void HTTPConnection::Read() {
   constexpr std::size_t kMaxRead = 2048;
   socket.async_read_some(buffer.prepare(kMaxRead),
                          [self = shared_from_this()](error_code error, std::size_t size) {
@@ -57,7 +58,7 @@ void Connection::Read() {
                          });
 }
 
-void Connection::OnRead(error_code error, std::size_t size) {
+void HTTPConnection::OnRead(error_code error, std::size_t size) {
   buffer.commit(size);
   if (isOverdue) {
     Refuse(408);
@@ -70,7 +71,7 @@ void Connection::OnRead(error_code error, std::size_t size) {
   }
 }
 
-void Connection::Serve() {
+void HTTPConnection::Serve() {
   const auto& request = parser->get();
   isHTTP10 = request.version() < 11;
   isKeptAlive = request.keep_alive();
@@ -91,7 +92,7 @@ void Connection::Serve() {
 }
 
 // Refuses what could not be read, unless the client has gone.
-void Connection::Refuse(error_code error) {
+void HTTPConnection::Refuse(error_code error) {
   const error_code anyOfHTTP = http::error::bad_method;
   if (error == http::error::body_limit) {
     Refuse(413);
@@ -105,12 +106,12 @@ void Connection::Refuse(error_code error) {
   }
 }
 
-void Connection::Refuse(int status) {
+void HTTPConnection::Refuse(int status) {
   isKeptAlive = false;
   Write(owner.handlers.refuse(Described(), status));
 }
 
-Request Connection::Described() const {
+Request HTTPConnection::Described() const {
   const auto& request = parser->get();
   const auto text = [](boost::beast::string_view view) {
     return std::string(view.data(), view.size());
@@ -119,7 +120,7 @@ Request Connection::Described() const {
           text(request[http::field::user_agent]), address};
 }
 
-void Connection::Write(Response response) {
+void HTTPConnection::Write(Response response) {
   isKeptAlive = isKeptAlive && !owner.isStopping;
   message.emplace(static_cast<http::status>(response.status), 11);
   message->set(http::field::content_type, response.type);
@@ -135,7 +136,7 @@ void Connection::Write(Response response) {
   });
 }
 
-void Connection::OnWrite(error_code error) {
+void HTTPConnection::OnWrite(error_code error) {
   message.reset();
   parser.reset();
   if (error) {
@@ -148,7 +149,7 @@ void Connection::OnWrite(error_code error) {
 }
 
 // Lets the last response arrive: closing with unread bytes would reset the connection.
-void Connection::Shutdown() {
+void HTTPConnection::Shutdown() {
   constexpr std::chrono::milliseconds kLinger(500);
   error_code ignored;
   socket.shutdown(tcp::socket::shutdown_send, ignored);
@@ -156,7 +157,7 @@ void Connection::Shutdown() {
   Drain();
 }
 
-void Connection::Drain() {
+void HTTPConnection::Drain() {
   buffer.clear();
   socket.async_read_some(buffer.prepare(4096),
                          [self = shared_from_this()](error_code error, std::size_t) {
@@ -168,7 +169,7 @@ void Connection::Drain() {
                          });
 }
 
-void Connection::CheckDeadline(Clock::time_point now) {
+void HTTPConnection::CheckDeadline(Clock::time_point now) {
   if (now < deadline) return;
   deadline = kNever;
   error_code ignored;
@@ -180,7 +181,7 @@ void Connection::CheckDeadline(Clock::time_point now) {
   }
 }
 
-void Connection::CloseIfIdle() {
+void HTTPConnection::CloseIfIdle() {
   error_code ignored;
   if (isIdle && socket.available(ignored) == 0) socket.close(ignored);
 }
