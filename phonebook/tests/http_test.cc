@@ -46,6 +46,8 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
       {"GET /snom/ HTTP/1.0\r\nConnection: keep-alive\r\n\r\nGET http://b/snom/" + end + "\r\n",
        {"200", "200"},
        "\r\nConnection: keep-alive\r\n"},
+      {"GET http://b:80/snom/" + end + "\r\n", {"200"}, "http://b:80/snom/directory"},
+      {"GET *" + end + "\r\n", {"400"}, "not understood"},
       {"rubbish\r\nrubbish\r\nrubbish\r\n\r\n", {"400"}},
       {std::string("\x16\x03\x01\x02\x00\x01", 6), {"400"}},
       {"GET /snom/" + std::string(9000, 'x') + end + "\r\n", {"414"}, "too long"},

@@ -95,8 +95,10 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
                          "Anna\t1\tSales\r\nBen\t2\t\r\n");
   {
     const auto server = Serve(
-        {"--contacts", text, "--address", "0.0.0.0", "--base-url", "https://phones.example/book"});
+        {"--contacts", text, "--address", "0.0.0.0", "--base-url", "https://phones.example/book/"});
     EXPECT_FALSE(server->IsLogged("0.0.0.0"));
+    EXPECT_NE(server->Get("/snom/").text.find(">https://phones.example/book/snom/directory<"),
+              std::string::npos);
   }
   const auto found = ParsedPage(Serve()->Get("/snom/directory").text);
   EXPECT_EQ(found.Items(), (Texts{"Anna", "Ben"}));
