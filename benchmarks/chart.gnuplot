@@ -1,4 +1,4 @@
-# Draws how long each contestant takes for a rendering, in units of what libteleform takes.
+# Draws how long each implementation takes for a rendering, in units of what libteleform takes.
 set terminal svg size 860,420 dynamic noenhanced font "sans-serif,13" background "white"
 set output chart
 set title "Time for one rendering into a fresh string (libteleform = 1, logarithmic)"

@@ -1,4 +1,4 @@
-// What the contestants write: the same contents for all of them.
+// What the implementations write: the same contents for all of them.
 #pragma once
 
 #include <cstddef>

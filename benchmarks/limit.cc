@@ -3,7 +3,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "contestants.h"
+#include "implementations.h"
 
 namespace {
 
@@ -70,9 +70,9 @@ Renderer RenderKnown(const Contents& contents) {
 
 }  // namespace
 
-const Contestant kLimit = {"limit",
-                           true,
-                           RenderKnown<Directory>,
-                           RenderKnown<Menu>,
-                           RenderKnown<Status>,
-                           RenderKnown<Screen>};
+const Implementation kLimit = {"limit",
+                               true,
+                               RenderKnown<Directory>,
+                               RenderKnown<Menu>,
+                               RenderKnown<Status>,
+                               RenderKnown<Screen>};

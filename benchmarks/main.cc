@@ -1,4 +1,4 @@
-// Measures every contestant at every kind of work, after comparing what they write.
+// Measures every implementation at every kind of work, after comparing what they write.
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 #include <teleform/teleform.h>
@@ -11,12 +11,13 @@
 #include <memory>
 #include <random>
 
-#include "contestants.h"
+#include "implementations.h"
+#include "screens.h"
 
 namespace {
 
-std::vector<Contestant> AllContestants() {
-  std::vector<Contestant> all = {kTeleform, kTeleformWholeJob, kLimit};
+std::vector<Implementation> AllImplementations() {
+  std::vector<Implementation> all = {kTeleform, kTeleformWholeJob, kLimit};
   all.insert(all.end(), kStringWriters.begin(), kStringWriters.end());
   all.insert(all.end(), kXmlLibraries.begin(), kXmlLibraries.end());
   all.push_back(kTemplateEngine);
@@ -45,22 +46,23 @@ void RenderReused(benchmark::State& state, const Renderer& render) {
   }
 }
 
-// Registers one kind of work for all contestants, into a fresh and into a reused string.
+// Registers one kind of work for all implementations, into a fresh and into a reused string.
 template <typename Contents>
-void Register(const std::string& work, Renderer (*Contestant::*make)(const Contents&),
+void Register(const std::string& work, Renderer (*Implementation::*make)(const Contents&),
               const Contents& contents) {
   std::string expected;
   (kTeleform.*make)(contents)(expected);
-  for (const auto& contestant : AllContestants()) {
-    const Renderer render = (contestant.*make)(contents);
+  for (const auto& implementation : AllImplementations()) {
+    const Renderer render = (implementation.*make)(contents);
     std::string out;
     render(out);
-    if (out != (contestant.writesBlanks ? expected : WithoutBlanks(expected))) {
-      std::cerr << contestant.name << " writes another " << work << ":\n" << out << "\n";
+    if (out != (implementation.writesBlanks ? expected : WithoutBlanks(expected))) {
+      std::cerr << implementation.name << " writes another " << work << ":\n" << out << "\n";
       std::exit(1);
     }
-    benchmark::RegisterBenchmark((work + "/fresh/" + contestant.name).c_str(), RenderFresh, render);
-    benchmark::RegisterBenchmark((work + "/reused/" + contestant.name).c_str(), RenderReused,
+    benchmark::RegisterBenchmark((work + "/fresh/" + implementation.name).c_str(), RenderFresh,
+                                 render);
+    benchmark::RegisterBenchmark((work + "/reused/" + implementation.name).c_str(), RenderReused,
                                  render);
   }
 }
@@ -114,8 +116,9 @@ void SortPointers(benchmark::State& state, std::size_t count) {
 void RegisterSorting(std::size_t count) {
   const std::string work = "sort " + std::to_string(count) + "/";
   const int batches = count > 10000 ? 3 : 50;
-  const auto add = [&](const char* contestant, void (*measure)(benchmark::State&, std::size_t)) {
-    benchmark::RegisterBenchmark((work + contestant).c_str(), measure, count)
+  const auto add = [&](const char* implementation,
+                       void (*measure)(benchmark::State&, std::size_t)) {
+    benchmark::RegisterBenchmark((work + implementation).c_str(), measure, count)
         ->UseManualTime()
         ->Iterations(batches);
   };
@@ -163,9 +166,9 @@ void AppendDocuments(benchmark::State& state, int count) {
 }
 
 // Each thread with documents and strings of its own; the whole job has the allocator in it.
-void RenderOnThreads(benchmark::State& state, const Contestant& contestant,
+void RenderOnThreads(benchmark::State& state, const Implementation& implementation,
                      const Directory& contents) {
-  RenderReused(state, contestant.directory(contents));
+  RenderReused(state, implementation.directory(contents));
 }
 
 }  // namespace
@@ -175,14 +178,15 @@ int main(int argc, char** argv) {
   for (const std::size_t entries : {0UL, 10UL, 32UL, 1000UL}) {
     directories.push_back({});
     directories.back().people = MakePeople(entries);
-    Register("directory " + std::to_string(entries), &Contestant::directory, directories.back());
+    Register("directory " + std::to_string(entries), &Implementation::directory,
+             directories.back());
   }
   const Menu menu = MakeMenu(15);
-  Register("menu", &Contestant::menu, menu);
+  Register("menu", &Implementation::menu, menu);
   const Status status;
-  Register("status", &Contestant::status, status);
+  Register("status", &Implementation::status, status);
   const Screen screen;
-  Register("text screen", &Contestant::screen, screen);
+  Register("text screen", &Implementation::screen, screen);
   for (const std::size_t names : {32UL, 1000UL, 100000UL}) RegisterSorting(names);
   for (const std::size_t entries : {10UL, 100UL, 1000UL, 10000UL, 100000UL, 1000000UL}) {
     benchmark::RegisterBenchmark(("growth/entries " + std::to_string(entries)).c_str(),
@@ -193,14 +197,15 @@ int main(int argc, char** argv) {
                                  AppendDocuments, documents);
   }
   for (const int threads : {1, 2}) {
-    const auto add = [&](const char* name, const Contestant& contestant) {
-      benchmark::RegisterBenchmark(name, RenderOnThreads, contestant, directories[2])
+    const auto add = [&](const char* name, const Implementation& implementation) {
+      benchmark::RegisterBenchmark(name, RenderOnThreads, implementation, directories[2])
           ->Threads(threads)
           ->UseRealTime();
     };
     add("threads/render", kTeleform);
     add("threads/whole job", kTeleformWholeJob);
   }
+  RegisterScreens();
 
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;

@@ -141,6 +141,31 @@ std::string Growth(const Results& results) {
   return table;
 }
 
+std::string Screens(const Results& results) {
+  std::string table;
+  AppendHead(table, "directory of 20", {"ComposeList, ns", "ComposeList / by hand"});
+  for (const std::string maker : {"Aastra", "Cisco", "Polycom", "Snom", "Yealink"}) {
+    const std::string compose = "screens/" + maker + "/ComposeList";
+    AppendRow(table, maker,
+              {Rounded(results.Nanoseconds(compose)),
+               Rounded(results.Ratio(compose, "screens/" + maker + "/by hand"))});
+  }
+  return table;
+}
+
+std::string Escaping(const Results& results) {
+  std::string table;
+  AppendHead(table, "text", {"EscapeXML, ns", "EscapeXML / copy"});
+  for (const std::string text : {"name of 12 bytes", "name of 20 bytes", "name in UTF-8",
+                                 "100 bytes", "1000 bytes", "10000 bytes"}) {
+    const std::string escape = "escape/" + text + "/EscapeXML";
+    AppendRow(table, text,
+              {Rounded(results.Nanoseconds(escape)),
+               Rounded(results.Ratio(escape, "escape/" + text + "/copy"))});
+  }
+  return table;
+}
+
 const std::string kBegin = "<!-- measured: begin -->\n";
 const std::string kEnd = "<!-- measured: end -->\n";
 
@@ -179,10 +204,11 @@ int main(int argc, char** argv) {
   }
   try {
     const Results results(argv[1]);
-    const std::string tables = "Into a fresh string:\n\n" + Renderings(results, "fresh") +
-                               "\nInto a string that is used again:\n\n" +
-                               Renderings(results, "reused") + "\nSorting:\n\n" + Sorting(results) +
-                               "\nGrowth:\n\n" + Growth(results);
+    const std::string tables =
+        "Into a fresh string:\n\n" + Renderings(results, "fresh") +
+        "\nInto a string that is used again:\n\n" + Renderings(results, "reused") +
+        "\nSorting:\n\n" + Sorting(results) + "\nGrowth:\n\n" + Growth(results) + "\nScreens:\n\n" +
+        Screens(results) + "\nTexts in which nothing is to be escaped:\n\n" + Escaping(results);
     ReplaceMeasured(argv[2], tables);
     WriteChart(argv[3], results);
     std::cout << tables;

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "contestants.h"
+#include "implementations.h"
 
 namespace {
 
@@ -175,7 +175,7 @@ void FormatScreen(const Screen& screen, std::string& out) {
 
 }  // namespace
 
-const std::vector<Contestant> kStringWriters = {
+const std::vector<Implementation> kStringWriters = {
     {"chain of +=", true, RenderWith<AppendDirectory>, RenderWith<AppendMenu>,
      RenderWith<AppendStatus>, RenderWith<AppendScreen>},
     {"ostringstream", true, RenderWith<StreamDirectory>, RenderWith<StreamMenu>,

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "contestants.h"
+#include "implementations.h"
 
 namespace {
 
@@ -50,7 +50,7 @@ constexpr int kNoLimit = 1 << 30;
 
 }  // namespace
 
-const Contestant kTeleform = {
+const Implementation kTeleform = {
     "libteleform",
     true,
     [](const Directory& directory) {
@@ -60,7 +60,7 @@ const Contestant kTeleform = {
     [](const Status& status) { return RenderFilled<AastraIPPhoneStatus>(status); },
     [](const Screen& screen) { return RenderFilled<SnomIPPhoneTextScreen>(screen, screen.title); }};
 
-const Contestant kTeleformWholeJob = {
+const Implementation kTeleformWholeJob = {
     "libteleform, whole job",
     true,
     [](const Directory& directory) {

@@ -2,7 +2,7 @@
 #include <kainjow/mustache.hpp>
 #include <memory>
 
-#include "contestants.h"
+#include "implementations.h"
 
 namespace {
 
@@ -91,5 +91,5 @@ Renderer RenderScreen(const Screen& screen) {
 
 }  // namespace
 
-const Contestant kTemplateEngine = {"mustache", true,         RenderDirectory,
-                                    RenderMenu, RenderStatus, RenderScreen};
+const Implementation kTemplateEngine = {"mustache", true,         RenderDirectory,
+                                        RenderMenu, RenderStatus, RenderScreen};

@@ -5,7 +5,7 @@
 #include <pugixml.hpp>
 #include <string>
 
-#include "contestants.h"
+#include "implementations.h"
 
 namespace {
 
@@ -166,7 +166,7 @@ Renderer RenderBy(const Contents& contents) {
 }
 
 template <typename Writer>
-constexpr Contestant Library(const char* name) {
+constexpr Implementation Library(const char* name) {
   return {name,
           false,
           RenderBy<Writer, Directory>,
@@ -177,5 +177,5 @@ constexpr Contestant Library(const char* name) {
 
 }  // namespace
 
-const std::vector<Contestant> kXmlLibraries = {
+const std::vector<Implementation> kXmlLibraries = {
     Library<Pugixml>("pugixml"), Library<Tinyxml2>("tinyxml2"), Library<Libxml2>("libxml2")};

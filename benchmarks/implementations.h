@@ -1,5 +1,5 @@
-// Who takes part. A contestant gets contents to render and returns what a caller would run for each
-// request: it appends the document to a string.
+// The implementations that are compared. Each gets contents to render and returns what a caller
+// would run for each request: it appends the document to a string.
 #pragma once
 
 #include <functional>
@@ -10,7 +10,7 @@
 
 using Renderer = std::function<void(std::string&)>;
 
-struct Contestant {
+struct Implementation {
   const char* name;
   // Whether it can write blanks around the equals signs of attributes, as Aastra phones have them.
   bool writesBlanks;
@@ -20,15 +20,15 @@ struct Contestant {
   Renderer (*screen)(const Screen&);
 };
 
-// A contestant whose function `Write(contents, out)` does everything at each rendering.
+// An implementation whose function `Write(contents, out)` does everything at each rendering.
 template <auto Write, typename Contents>
 Renderer RenderWith(const Contents& contents) {
   return [&contents](std::string& out) { Write(contents, out); };
 }
 
-extern const Contestant kTeleform;
-extern const Contestant kTeleformWholeJob;  // construct, fill, render, destroy
-extern const Contestant kLimit;
-extern const std::vector<Contestant> kStringWriters;
-extern const std::vector<Contestant> kXmlLibraries;
-extern const Contestant kTemplateEngine;
+extern const Implementation kTeleform;
+extern const Implementation kTeleformWholeJob;  // construct, fill, render, destroy
+extern const Implementation kLimit;
+extern const std::vector<Implementation> kStringWriters;
+extern const std::vector<Implementation> kXmlLibraries;
+extern const Implementation kTemplateEngine;
