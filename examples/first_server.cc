@@ -11,13 +11,13 @@ const std::vector<Person> kPeople = {{"Ann", "1001"}, {"Anna", "1002"},  {"Bob &
                                      {"Dan", "1004"}, {"Hanna", "1005"}, {"Zoë", "1006"}};
 constexpr std::size_t kPageSize = 2;  // so that six people fill pages; phones show eight or more
 
-Document MakeSearch(Maker maker, const std::string& home, const httplib::Request& /*request*/) {
+Document MakeForm(Maker maker, const std::string& home, const httplib::Request& /*request*/) {
   return ComposeForm(maker, {"Search", "", "Name:", home + "people", "name"});
 }
 
 Document MakeMenu(Maker maker, const std::string& home, const httplib::Request& request) {
   Menu menu{"Menu", {{"People", home + "people"}, {"News", home + "news"}}};
-  if (MakeSearch(maker, home, request)) menu.items.push_back({"Search", home + "find"});
+  if (MakeForm(maker, home, request)) menu.items.push_back({"Search", home + "find"});
   return ComposeMenu(maker, menu);
 }
 
@@ -41,8 +41,8 @@ Document MakePeople(Maker maker, const std::string& home, const httplib::Request
 
 int main(int argc, char** argv) {
   httplib::Server server;
-  for (const auto& [path, make] : {std::pair{"/", MakeMenu}, std::pair{"/people", MakePeople},
-                                   std::pair{"/news", MakeNews}, std::pair{"/find", MakeSearch}}) {
+  for (const auto& [path, make] : {std::pair{"/", &MakeMenu}, std::pair{"/people", &MakePeople},
+                                   std::pair{"/news", &MakeNews}, std::pair{"/find", &MakeForm}}) {
     server.Get(path, [make = make](const httplib::Request& request, httplib::Response& response) {
       const auto maker = MakerOfUserAgent(request.get_header_value("User-Agent"));
       const std::string home = "http://" + request.get_header_value("Host") + "/";
