@@ -177,11 +177,10 @@ std::string MakeHTMLForm(const Form& form) {
 }
 
 Document ComposeDirectory(Maker maker, const Lines& lines) {
-  const bool writesPages = FactsOf(maker).writesPages;
   const std::string title = EscapeXML(lines.title);
   auto directory = MakeDirectory(maker, title);
   if (directory == nullptr) {
-    auto screen = MakeTextScreen(maker, title);
+    auto screen = MakeTextScreen(FactsOf(maker).maker, title);
     screen->SetText(MakeLinks(lines.lines) + MakeLinks(lines.keys) + MakeLinks(PageKeys(lines)));
     return screen;
   }
@@ -197,7 +196,7 @@ Document ComposeDirectory(Maker maker, const Lines& lines) {
       if (!key.uri.empty()) directory->AppendEntry(label, EscapeXML(key.uri));
     }
   }
-  if (writesPages) {
+  if (FactsOf(maker).writesPages) {
     directory->SetPreviousURI(EscapeXML(lines.previous));
     directory->SetNextURI(EscapeXML(lines.next));
   } else {
