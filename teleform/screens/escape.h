@@ -25,6 +25,7 @@ TELEFORM_EXPORT std::string PercentEncode(std::string_view text, std::string_vie
 
 /// Decodes percent-encoded text. A `%` that is not followed by two hexadecimal digits stays as it
 /// is. The result may hold any bytes: it may be no UTF-8, and may hold NULs.
+/// @param text what is encoded, whole or in part.
 /// @param isQuery whether a `+` is a blank, as in the query of a URI.
 TELEFORM_EXPORT std::string PercentDecode(std::string_view text, bool isQuery);
 

@@ -19,19 +19,23 @@ enum class Maker : int { kAastra, kCisco, kPolycom, kSnom, kYealink };
 
 /// What a server must know of a maker's phones.
 struct MakerFacts {
-  Maker maker{};
+  Maker maker{};             ///< The maker.
   std::string_view name{};   ///< The name, such as "Aastra".
   std::string_view slug{};   ///< The name in lower case, for the paths of URIs.
   int pageSize = 0;          ///< How many items fit well on one page of the phones.
   bool writesPages = false;  ///< Whether the directory itself links the pages before and after.
 };
 
-/// A range of facts; they live as long as the program.
+/// A range of facts, for loops; they live as long as the program.
 struct MakerRange {
-  const MakerFacts* first;
-  const MakerFacts* last;
+  const MakerFacts* first;  ///< The first facts.
+  const MakerFacts* last;   ///< The place behind the last facts.
+
+  /// The first facts.
   const MakerFacts* begin() const noexcept { return first; }
+  /// The place behind the last facts.
   const MakerFacts* end() const noexcept { return last; }
+  /// How many facts there are.
   std::size_t size() const noexcept { return static_cast<std::size_t>(last - first); }
 };
 

@@ -17,62 +17,62 @@ namespace teleform::screens {
 
 /// An item of a menu.
 struct Item {
-  std::string text{};
-  std::string uri{};  ///< Where it leads.
+  std::string text{};  ///< What the phone shows.
+  std::string uri{};   ///< Where it leads.
 };
 
 /// A choice of pages.
 struct Menu {
-  std::string title{};
-  std::vector<Item> items{};
-  std::vector<SoftKey> keys{};
-  std::string previous{};  ///< The URI of the page before this one; empty when there is none.
-  std::string next{};      ///< The URI of the page after this one; empty when there is none.
+  std::string title{};          ///< The heading.
+  std::vector<Item> items{};    ///< The choices, in their order.
+  std::vector<SoftKey> keys{};  ///< The soft keys, in their order.
+  std::string previous{};       ///< The URI of the page before this one; empty when there is none.
+  std::string next{};           ///< The URI of the page after this one; empty when there is none.
 };
 
 /// Somebody to call.
 struct Person {
-  std::string name{};
+  std::string name{};       ///< What the phone shows.
   std::string telephone{};  ///< What the phone dials: a number or a SIP address.
   std::string note{};       ///< Shown behind the name where the document has room, that is in HTML.
 };
 
 /// A list of people, each of whom is called by choosing them.
 struct List {
-  std::string title{};
-  std::vector<Person> people{};
-  std::vector<SoftKey> keys{};
-  std::string previous{};  ///< The URI of the page before this one; empty when there is none.
-  std::string next{};      ///< The URI of the page after this one; empty when there is none.
+  std::string title{};           ///< The heading.
+  std::vector<Person> people{};  ///< The people, in their order.
+  std::vector<SoftKey> keys{};   ///< The soft keys, in their order.
+  std::string previous{};        ///< The URI of the page before this one; empty when there is none.
+  std::string next{};            ///< The URI of the page after this one; empty when there is none.
 };
 
 /// A text to read.
 struct Text {
-  std::string title{};
-  std::vector<std::string> lines{};
-  std::string target{};  ///< A URI or number: where each line leads if it becomes an entry.
-  std::vector<SoftKey> keys{};
+  std::string title{};               ///< The heading.
+  std::vector<std::string> lines{};  ///< The lines, without line feeds.
+  std::string target{};         ///< A URI or number: where each line leads if it becomes an entry.
+  std::vector<SoftKey> keys{};  ///< The soft keys, in their order.
 };
 
 /// A form with one field.
 struct Form {
-  std::string title{};
-  std::string hint{};  ///< Shown above the field where the document has room, that is in HTML.
-  std::string prompt{};
+  std::string title{};      ///< The heading.
+  std::string hint{};       ///< Shown above the field where the document has room, that is in HTML.
+  std::string prompt{};     ///< Shown before the field.
   std::string uri{};        ///< Where the phone sends the value; it has no query.
   std::string parameter{};  ///< The name of the value in the query.
-  std::vector<SoftKey> keys{};
+  std::vector<SoftKey> keys{};  ///< The soft keys, in their order.
 };
 
 /// A call that the phone starts by itself, or else offers.
 struct Call {
-  Person person{};
-  std::vector<SoftKey> keys{};
+  Person person{};              ///< Who is called.
+  std::vector<SoftKey> keys{};  ///< The soft keys, in their order.
 };
 
 /// A message on top of what the phone shows.
 struct Alert {
-  Text text{};
+  Text text{};  ///< The message.
   /// @name What only a status says
   /// Aastra phones know it; a text screen leaves it out.
   /// @{

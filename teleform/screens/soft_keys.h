@@ -15,7 +15,7 @@ enum class SoftKeyRole : int { kSelect, kDial, kSubmit, kPrevious, kNext, kSearc
 
 /// A soft key of a screen.
 struct SoftKey {
-  SoftKeyRole role{};
+  SoftKeyRole role{};   ///< What the key does.
   std::string uri{};    ///< What the key loads; empty for the phone's built-in action.
   std::string label{};  ///< What the key shows, where it has a text; empty for `LabelOf(role)`.
 };
