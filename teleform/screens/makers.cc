@@ -63,7 +63,7 @@ std::optional<Maker> MakerOfSlug(std::string_view slug) noexcept {
 
 std::optional<Maker> MakerOfUserAgent(std::string_view userAgent) noexcept {
   for (const auto& facts : kMakers) {
-    const auto found =
+    const auto* const found =
         std::search(userAgent.begin(),
                     userAgent.end(),
                     facts.slug.begin(),
