@@ -21,9 +21,8 @@ using std::string_literals::operator""s;
 const std::vector<SampleText> kSampleTexts = {
     {"", "", ""},
     {"R&D <\"x\">'", "R&amp;D &lt;&quot;x&quot;&gt;'", "R%26D%20%3C%22x%22%3E%27"},
-    {"&amp;]]>", "&amp;amp;]]&gt;", "%26amp%3B%5D%5D%3E"},
+    {"&amp;]]>\t\n", "&amp;amp;]]&gt;\t\n", "%26amp%3B%5D%5D%3E%09%0A"},
     {"sip:+aZ0-._~*@ä%/?=", "sip:+aZ0-._~*@ä%/?=", "sip:+aZ0-._~*@%C3%A4%25%2F%3F%3D"},
-    {"\t\n", "\t\n", "%09%0A"},
     {"\0\x01\x1f\r\x7f\xc2\x80\xc2\x9f"s, "       ", "%00%01%1F%0D%7F%C2%80%C2%9F"},
     // The first and the last character of each length, and those around what is no character.
     {"\xc2\xa0\xdf\xbf\xe0\xa0\x80", "\xc2\xa0\xdf\xbf\xe0\xa0\x80", "%C2%A0%DF%BF%E0%A0%80"},
@@ -31,15 +30,11 @@ const std::vector<SampleText> kSampleTexts = {
     {"\xef\xbf\xbd\xf0\x90\x80\x80", "\xef\xbf\xbd\xf0\x90\x80\x80", "%EF%BF%BD%F0%90%80%80"},
     {"\xf4\x8f\xbf\xbf", "\xf4\x8f\xbf\xbf", "%F4%8F%BF%BF"},
     // Overlong, surrogates, forbidden, beyond the last, cut off.
-    {"\xc1\xbf", "\uFFFD\uFFFD", "%C1%BF"},
-    {"\xe0\x9f\xbf", "\uFFFD\uFFFD\uFFFD", "%E0%9F%BF"},
+    {"\xc1\xbf\xe0\x9f\xbf", "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD", "%C1%BF%E0%9F%BF"},
     {"\xf0\x8f\xbf\xbf", "\uFFFD\uFFFD\uFFFD\uFFFD", "%F0%8F%BF%BF"},
-    {"\xed\xa0\x80", "\uFFFD\uFFFD\uFFFD", "%ED%A0%80"},
-    {"\xed\xbf\xbf", "\uFFFD\uFFFD\uFFFD", "%ED%BF%BF"},
-    {"\xef\xbf\xbe", "\uFFFD\uFFFD\uFFFD", "%EF%BF%BE"},
-    {"\xef\xbf\xbf", "\uFFFD\uFFFD\uFFFD", "%EF%BF%BF"},
-    {"\xf4\x90\x80\x80", "\uFFFD\uFFFD\uFFFD\uFFFD", "%F4%90%80%80"},
-    {"\xf5\xff", "\uFFFD\uFFFD", "%F5%FF"},
+    {"\xed\xa0\x80\xed\xbf\xbf", "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD", "%ED%A0%80%ED%BF%BF"},
+    {"\xef\xbf\xbe\xef\xbf\xbf", "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD", "%EF%BF%BE%EF%BF%BF"},
+    {"\xf4\x90\x80\x80\xf5\xff", "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD", "%F4%90%80%80%F5%FF"},
     {"caf\xe9 \xe2\x82", "caf\uFFFD \uFFFD\uFFFD", "caf%E9%20%E2%82"},
 };
 
@@ -331,7 +326,6 @@ TEST(Makers, AreFoundBySlugAndUserAgent) {
     EXPECT_EQ(MakerOfSlug(facts.slug), facts.maker);
     EXPECT_EQ(MakerOfSlug(facts.name), std::nullopt);  // a slug is in lower case
     EXPECT_EQ(MakerOfUserAgent("\0\xff/"s + std::string(facts.name) + "-300"), facts.maker);
-    EXPECT_GT(facts.pageSize, 0);
     EXPECT_EQ(facts.writesPages, facts.maker == Maker::kAastra || facts.maker == Maker::kCisco);
   }
   EXPECT_EQ(MakerOfSlug(""), std::nullopt);
@@ -368,7 +362,6 @@ TEST(Memory, RunsOutWithoutATraceWhereScreensAreComposed) {
   const auto keys = SampleKeys(kLong);
   for (const auto& screen : kSampleScreens) {
     for (const auto& maker : AllMakers()) {
-      SCOPED_TRACE(screen.name + " for "s + std::string(maker.name));
       FailEachAllocation([&] { screen.compose(maker.maker, kLong, keys); });
     }
   }

@@ -45,10 +45,10 @@ TEST(Documents, AreWellFormed) {
 
 TEST(Screens, BecomeWellFormedDocumentsWhateverTheyHold) {
   using namespace teleform::screens;
-  for (const auto& [text, escaped, encoded] : kSampleTexts) {
+  for (const auto& sample : kSampleTexts) {
     for (const auto& screen : kSampleScreens) {
       for (const auto& facts : AllMakers()) {
-        const auto document = screen.compose(facts.maker, text, SampleKeys(text));
+        const auto document = screen.compose(facts.maker, sample.text, SampleKeys(sample.text));
         if (document != nullptr) ExpectWellFormed(*document);
       }
     }
