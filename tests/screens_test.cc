@@ -242,7 +242,8 @@ TEST(SoftKeysOfScreens, HaveAPlaceOrANameForEachRole) {
     for (const bool isBuiltIn : {true, false}) {
       AastraIPPhoneTextScreen aastra("");
       const SoftKey key = {row.role, isBuiltIn ? "" : "uri"};
-      EXPECT_EQ(AddSoftKey(aastra, key), !isBuiltIn || row.builtIn != nullptr);
+      EXPECT_EQ(AddSoftKey(aastra, key.role, key.uri, key.label),
+                !isBuiltIn || row.builtIn != nullptr);
       const auto* const uri = isBuiltIn ? row.builtIn : "uri";
       EXPECT_EQ(KeysOf(aastra),
                 uri == nullptr ? ""
@@ -252,7 +253,7 @@ TEST(SoftKeysOfScreens, HaveAPlaceOrANameForEachRole) {
       YealinkIPPhoneDirectory yealink("", 0);
       for (IPPhoneXML* const document :
            {static_cast<IPPhoneXML*>(&snom), static_cast<IPPhoneXML*>(&yealink)}) {
-        EXPECT_EQ(AddSoftKey(*document, key), !isBuiltIn);
+        EXPECT_EQ(AddSoftKey(*document, key.role, key.uri, key.label), !isBuiltIn);
         EXPECT_EQ(KeysOf(*document), isBuiltIn ? ""
                                                : "<SoftKeyItem>\n<Name>"s + row.name +
                                                      "</Name>\n<URL>uri</URL>\n</SoftKeyItem>\n");
@@ -265,7 +266,7 @@ TEST(SoftKeysOfScreens, LeaveTheDocumentAsItIsWhenRefused) {
   AastraIPPhoneTextScreen full("");
   std::string places;
   for (const char* const place : {"3", "1", "2", "4", "5", "6"}) {  // the role's, then the free
-    EXPECT_TRUE(AddSoftKey(full, {SoftKeyRole::kNext, "uri", place}));
+    EXPECT_TRUE(AddSoftKey(full, SoftKeyRole::kNext, "uri", place));
     places += "<SoftKey index = \""s + place + "\">\n<Label>" + place +
               "</Label>\n<URI>uri</URI>\n</SoftKey>\n";
   }
@@ -273,16 +274,16 @@ TEST(SoftKeysOfScreens, LeaveTheDocumentAsItIsWhenRefused) {
   SnomIPPhoneTextScreen snom("");
   YealinkIPPhoneDirectory yealink("", 0);
   for (const auto role : {SoftKeyRole::kHome, SoftKeyRole::kNext}) {
-    EXPECT_TRUE(AddSoftKey(snom, {role, "uri"}));
-    EXPECT_TRUE(AddSoftKey(yealink, {role, "uri"}));
+    EXPECT_TRUE(AddSoftKey(snom, role, "uri"));
+    EXPECT_TRUE(AddSoftKey(yealink, role, "uri"));
   }
   CiscoIPPhoneDirectory cisco("", 0);
   for (IPPhoneXML* const document :
        std::initializer_list<IPPhoneXML*>{&full, &snom, &yealink, &cisco}) {
     const std::string before = RenderToString(*document);
     EXPECT_EQ(HasSoftKeys(*document), document != &cisco);
-    EXPECT_FALSE(AddSoftKey(*document, {SoftKeyRole::kHome, "other"}));
-    EXPECT_THROW(AddSoftKey(*document, {static_cast<SoftKeyRole>(8), "u"}), std::invalid_argument);
+    EXPECT_FALSE(AddSoftKey(*document, SoftKeyRole::kHome, "other"));
+    EXPECT_THROW(AddSoftKey(*document, static_cast<SoftKeyRole>(8), "u"), std::invalid_argument);
     EXPECT_EQ(RenderToString(*document), before);
   }
   EXPECT_THROW(LabelOf(static_cast<SoftKeyRole>(-1)), std::invalid_argument);
@@ -379,10 +380,10 @@ TEST(Memory, RunsOutWithoutATraceWhereSoftKeysAreAdded) {
   SnomIPPhoneTextScreen snom("");
   YealinkIPPhoneDirectory yealink("", 0);
   for (IPPhoneXML* const document : std::initializer_list<IPPhoneXML*>{&aastra, &snom, &yealink}) {
-    AddSoftKey(*document, {SoftKeyRole::kNext, kLong});
+    AddSoftKey(*document, SoftKeyRole::kNext, kLong);
     const std::string before = RenderToString(*document);
     bool isAdded = false;
-    FailEachAllocation([&] { isAdded = AddSoftKey(*document, key); },
+    FailEachAllocation([&] { isAdded = AddSoftKey(*document, key.role, key.uri, key.label); },
                        [&] { ASSERT_EQ(RenderToString(*document), before); });
     EXPECT_TRUE(isAdded);
   }

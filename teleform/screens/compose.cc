@@ -115,7 +115,7 @@ std::string JoinEscaped(const std::vector<std::string>& lines, std::string_view 
 }
 
 void AddKeys(IPPhoneXML& document, const std::vector<SoftKey>& keys) {
-  for (const auto& key : keys) AddSoftKey(document, key);
+  for (const auto& key : keys) AddSoftKey(document, key.role, key.uri, key.label);
 }
 
 // The pages before and after, for documents that don't link them by themselves.

@@ -53,8 +53,9 @@ struct Keys : Holder {
   static auto& Of(Holder& holder) { return holder.*(&Keys::softKeys); }
 };
 
-bool Add(AastraIPPhone& holder, const RoleFacts& role, const SoftKey& key) {
-  if (key.uri.empty() && !role.aastraCommand) return false;
+bool Add(AastraIPPhone& holder, const RoleFacts& role, std::string_view uri,
+         std::string_view label) {
+  if (uri.empty() && !role.aastraCommand) return false;
   constexpr int kPlaces = 6;
   const auto& keys = Keys<AastraIPPhone>::Of(holder);
   const auto isTaken = [&](int index) {
@@ -65,16 +66,16 @@ bool Add(AastraIPPhone& holder, const RoleFacts& role, const SoftKey& key) {
   if (isTaken(index)) {
     for (index = 1; index <= kPlaces && isTaken(index);) ++index;
   }
-  const std::string label = EscapeXML(key.label.empty() ? role.label : key.label);
-  return key.uri.empty() ? holder.AddSoftKey(index, label.c_str(), *role.aastraCommand)
-                         : holder.AddSoftKey(index, label.c_str(), EscapeXML(key.uri).c_str());
+  const std::string text = EscapeXML(label.empty() ? role.label : label);
+  return uri.empty() ? holder.AddSoftKey(index, text.c_str(), *role.aastraCommand)
+                     : holder.AddSoftKey(index, text.c_str(), EscapeXML(uri).c_str());
 }
 
 // A key of a maker whose phones name the keys that they have. Only an added key tells its name.
 template <typename Holder, typename Command>
-bool Add(Holder& holder, Command command, const SoftKey& key) {
-  if (key.uri.empty()) return false;
-  holder.AddSoftKey(command, EscapeXML(key.uri).c_str());
+bool Add(Holder& holder, Command command, std::string_view uri) {
+  if (uri.empty()) return false;
+  holder.AddSoftKey(command, EscapeXML(uri).c_str());
   auto& keys = Keys<Holder>::Of(holder);
   const auto same = std::find_if(keys.begin(), keys.end(), [&](const auto& other) {
     return other.GetName() == keys.back().GetName();
@@ -94,13 +95,16 @@ bool HasSoftKeys(const IPPhoneXML& document) noexcept {
          dynamic_cast<const YealinkIPPhone*>(&document) != nullptr;
 }
 
-bool AddSoftKey(IPPhoneXML& document, const SoftKey& key) {
-  const RoleFacts role = FactsFor(key.role);
+bool AddSoftKey(IPPhoneXML& document, SoftKeyRole role, std::string_view uri,
+                std::string_view label) {
+  const RoleFacts facts = FactsFor(role);
   // The makers' holders are bases beside the kind, which knows of none.
-  if (auto* aastra = dynamic_cast<AastraIPPhone*>(&document)) return Add(*aastra, role, key);
-  if (auto* snom = dynamic_cast<SnomIPPhone*>(&document)) return Add(*snom, role.snom, key);
+  if (auto* aastra = dynamic_cast<AastraIPPhone*>(&document)) {
+    return Add(*aastra, facts, uri, label);
+  }
+  if (auto* snom = dynamic_cast<SnomIPPhone*>(&document)) return Add(*snom, facts.snom, uri);
   if (auto* yealink = dynamic_cast<YealinkIPPhone*>(&document)) {
-    return Add(*yealink, role.yealink, key);
+    return Add(*yealink, facts.yealink, uri);
   }
   return false;
 }

@@ -38,10 +38,13 @@ TELEFORM_EXPORT bool HasSoftKeys(const IPPhoneXML& document) noexcept;
 /// - All other documents have no soft keys.
 ///
 /// `EscapeXML` makes the URI and the label well-formed, whatever bytes they hold.
+/// @param uri what the key loads; empty for the built-in action.
+/// @param label what the key shows, where it has a text; empty for `LabelOf(role)`.
 /// @return false, and the document is unchanged, when it can't have such a key, when it has one of
 /// that name already, or when all places are taken.
-/// @throws std::bad_alloc when memory runs out, and `std::invalid_argument` when `key.role` is
+/// @throws std::bad_alloc when memory runs out, and `std::invalid_argument` when `role` is
 /// outside its enumeration, whatever the document; the document is unchanged.
-TELEFORM_EXPORT bool AddSoftKey(IPPhoneXML& document, const SoftKey& key);
+TELEFORM_EXPORT bool AddSoftKey(IPPhoneXML& document, SoftKeyRole role, std::string_view uri,
+                                std::string_view label = {});
 
 }  // namespace teleform::screens
