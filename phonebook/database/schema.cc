@@ -1,18 +1,18 @@
 #include "phonebook/database/schema.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace phonebook {
 
 namespace {
 
-constexpr bool NoColumnIsNewerThanTheSchema() {
-  for (const auto& column : kColumns) {
-    if (column.since > kSchemaVersion) return false;
-  }
-  return true;
+constexpr int NewestColumn() {
+  int newest = 0;
+  for (const auto& column : kColumns) newest = std::max(newest, column.since);
+  return newest;
 }
-static_assert(NoColumnIsNewerThanTheSchema(), "a new column makes a new version");
+static_assert(NewestColumn() <= kSchemaVersion, "a new column makes a new version");
 
 std::string Definition(const Column& column) {
   const std::string name = column.name;
@@ -190,8 +190,8 @@ int FindSchemaVersion(soci::session& session, const Dialect& dialect) {
   session << "SELECT COALESCE(max(version), 0) FROM schema_version", soci::into(version);
   if (version < 1) throw std::runtime_error("the table schema_version of the database is empty");
   if (version > kSchemaVersion) {
-    throw std::runtime_error("the database has version " + std::to_string(version) +
-                             ", which is newer than this program, which reads versions up to " +
+    throw std::runtime_error("the database has the newer version " + std::to_string(version) +
+                             "; this program reads versions up to " +
                              std::to_string(kSchemaVersion));
   }
   return version;
