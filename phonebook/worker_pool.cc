@@ -43,7 +43,7 @@ void WorkerPool::Submit(Task task) {
 }
 
 void WorkerPool::Work(Worker& worker) {
-  while (const auto task = NextTask(worker)) Run(*task, worker.store);
+  while (const auto task = NextTask(worker)) Run(worker, *task);
 }
 
 // Waits for a task. Returns none when the pool is stopped.
@@ -51,7 +51,7 @@ std::shared_ptr<WorkerPool::QueuedTask> WorkerPool::NextTask(Worker& worker) {
   std::shared_ptr<QueuedTask> previous;  // is destroyed without the lock
   std::unique_lock lock(mutex);
   previous = std::exchange(worker.task, nullptr);
-  if (previous != nullptr) average += (Clock::now() - worker.begin - average) / 16;
+  if (previous != nullptr) average += (worker.end - worker.begin - average) / 16;
   while (queue.empty() && !isStopping) {
     worker.isAsleep = true;
     worker.wake.wait(lock, [&] { return !worker.isAsleep || isStopping; });
@@ -68,14 +68,15 @@ std::shared_ptr<WorkerPool::QueuedTask> WorkerPool::NextTask(Worker& worker) {
 }
 
 // Runs a task and finishes it, unless it has expired meanwhile.
-void WorkerPool::Run(QueuedTask& queued, Store& store) {
+void WorkerPool::Run(Worker& worker, QueuedTask& queued) {
   Response response;
   std::exception_ptr error;
   try {
-    response = queued.task.run(store);
+    response = queued.task.run(worker.store);
   } catch (...) {
     error = std::current_exception();
   }
+  worker.end = Clock::now();
   if (queued.isFinished.exchange(true)) return;
   if (error != nullptr) {
     Fail(queued.task, error);

@@ -69,6 +69,7 @@ class WorkerPool {
     Store store;
     std::shared_ptr<QueuedTask> task;
     Clock::time_point begin;  // of the task
+    Clock::time_point end;    // of its query; the worker's own
     bool isAsleep = false;
     std::condition_variable wake;
     std::thread thread;
@@ -76,14 +77,14 @@ class WorkerPool {
 
   void Work(Worker& worker);
   std::shared_ptr<QueuedTask> NextTask(Worker& worker);
-  static void Run(QueuedTask& queued, Store& store);
+  static void Run(Worker& worker, QueuedTask& queued);
   void WakeWorker();
 
   std::mutex mutex;
   std::condition_variable ended;
   std::deque<std::shared_ptr<QueuedTask>> queue;
   std::deque<Worker> workers;
-  Clock::duration average{};  // of the running time of tasks
+  Clock::duration average{};  // of the running time of tasks, without delivery
   std::size_t running = 0;    // workers
   bool isStopping = false;
 };
