@@ -5,6 +5,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
+#include <cstdint>
 #include <mutex>
 #include <stdexcept>
 #include <unordered_set>

@@ -2,16 +2,13 @@
 
 #include <teleform/screens/escape.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <exception>
-#include <memory>
 #include <sstream>
-#include <string_view>
 #include <utility>
 
+#include "phonebook/assets.h"
 #include "phonebook/preview.h"
-#include "phonebook/text.h"
 
 namespace phonebook {
 

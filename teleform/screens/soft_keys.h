@@ -38,6 +38,8 @@ TELEFORM_EXPORT bool HasSoftKeys(const IPPhoneXML& document) noexcept;
 /// - All other documents have no soft keys.
 ///
 /// `EscapeXML` makes the URI and the label well-formed, whatever bytes they hold.
+/// @param document stays the caller's.
+/// @param role what the key does.
 /// @param uri what the key loads; empty for the built-in action.
 /// @param label what the key shows, where it has a text; empty for `LabelOf(role)`.
 /// @return false, and the document is unchanged, when it can't have such a key, when it has one of
