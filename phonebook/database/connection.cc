@@ -1,14 +1,15 @@
 #include "phonebook/database/connection.h"
 
-#include <libpq-fe.h>
-#include <soci/postgresql/soci-postgresql.h>
 #include <soci/sqlite3/soci-sqlite3.h>
-#include <sys/socket.h>
+#include <sys/stat.h>
 #include <teleform/screens/escape.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <stdexcept>
+#include <utility>
+
+#include "phonebook/database/unavailable.h"
 
 namespace phonebook {
 
@@ -22,65 +23,62 @@ const bool isSQLiteConfigured =
     sqlite_api::sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0) == SQLITE_OK &&
     sqlite_api::sqlite3_config(SQLITE_CONFIG_URI, 1) == SQLITE_OK;
 
-// What libpq waits for by itself must end as well. (SOCI passes on an address as it is only if
-// there is an = in it, which these are.)
-std::string WithTimeouts(const std::string& uri) {
-  return uri + (uri.find('?') == uri.npos ? "?" : "&") + "connect_timeout=2&tcp_user_timeout=2000";
-}
-
 }  // namespace
 
-DatabaseConnection::DatabaseConnection(const std::string& database) : dialect(DialectOf(database)) {
+DatabaseConnection::DatabaseConnection(std::string theDatabase)
+    : dialect(DialectOf(theDatabase)), database(std::move(theDatabase)) {}
+
+void DatabaseConnection::Open() {
   if (dialect.isPostgreSQL) {
-    OpenServer(database);
+    login.Open(session, database);
   } else {
-    OpenFile(database);
+    OpenFile();
   }
 }
 
-DatabaseConnection::~DatabaseConnection() {
-  if (socket != -1) close(socket);
-}
-
-void DatabaseConnection::OpenServer(const std::string& uri) {
-  session.open(soci::postgresql, WithTimeouts(uri));
-  auto* const backend = session.get_backend();
-  socket = dup(PQsocket(static_cast<soci::postgresql_session_backend*>(backend)->conn_));
-  // Every query is meant to take few steps through an index; what helps with many rows makes these
-  // slow.
-  for (const char* option :
-       {"statement_timeout = 2000", "enable_seqscan = off", "enable_hashjoin = off",
-        "enable_mergejoin = off", "jit = off", "max_parallel_workers_per_gather = 0"}) {
-    session << "SET " << option;
-  }
-}
-
-void DatabaseConnection::OpenFile(const std::string& path) {
+void DatabaseConnection::OpenFile() {
   if (!isSQLiteConfigured) throw std::runtime_error("SQLite can't be configured for threads");
   // A URI, in whose path neither SQLite nor SOCI finds a meaning.
-  const std::string uri =
-      "file:" + teleform::screens::PercentEncode(std::filesystem::absolute(path).string(), "/");
-  const auto open = [&](const std::string& name) {
-    session.open(soci::sqlite3, "dbname=\"" + name + "\" timeout=2");
+  const std::string path = std::filesystem::absolute(database).string();
+  const std::string uri = "file:" + teleform::screens::PercentEncode(path, "/");
+  std::string encoding;
+  const auto open = [&](const std::string& mode) {
+    session.open(soci::sqlite3, "dbname=\"" + uri + mode + "\" timeout=2");
     session << "SELECT count(*) FROM sqlite_master";
+    session << "PRAGMA encoding", soci::into(encoding);
   };
   try {
-    open(uri);
-  } catch (const soci::soci_error&) {
+    open("?mode=rw");  // which creates no file
+  } catch (const soci::soci_error& error) {
     // A read-only database can't have a write-ahead log.
-    if (access(path.c_str(), W_OK) == 0) throw;
+    if (IsDamaged(error) || access(path.c_str(), W_OK) == 0) throw;
     session.close();
-    open(uri + "?immutable=1");
+    if (HasLog(path)) {
+      throw DatabaseUnavailable(database + " is read-only, and the changes in " + database +
+                                "-wal can't be read: close the programs that write it, or let this"
+                                " user write");
+    }
+    open("?immutable=1");
   }
+  // SQLite compares texts byte by byte in this encoding, and keys are in order in UTF-8 alone.
+  if (encoding != "UTF-8") {
+    throw DatabaseUnavailable("the encoding of " + database + " is " + encoding + ", not UTF-8");
+  }
+  file = static_cast<soci::sqlite3_session_backend*>(session.get_backend())->conn_;
 }
 
 void DatabaseConnection::Interrupt() noexcept {
-  if (dialect.isPostgreSQL) {
-    shutdown(socket, SHUT_RDWR);  // the one way to end a wait for a server that doesn't answer
-  } else {
-    auto* const backend = session.get_backend();
-    sqlite_api::sqlite3_interrupt(static_cast<soci::sqlite3_session_backend*>(backend)->conn_);
-  }
+  login.ShutDown();
+  if (file != nullptr) sqlite_api::sqlite3_interrupt(file);
+}
+
+void DatabaseConnection::Abandon() noexcept { login.ShutDown(); }
+
+bool DatabaseConnection::IsWritable() {
+  if (!dialect.isPostgreSQL) return sqlite_api::sqlite3_db_readonly(file, "main") == 0;
+  int isWritable = 0;
+  session << dialect.isWritable, soci::into(isWritable);
+  return isWritable != 0;
 }
 
 Transaction::~Transaction() {
@@ -91,9 +89,20 @@ Transaction::~Transaction() {
   }
 }
 
+bool HasLog(const std::string& path) {
+  struct stat status {};
+  return stat((path + "-wal").c_str(), &status) == 0 && status.st_size > 0;
+}
+
 bool IsLocked(const soci::soci_error& error) {
   const auto* const sqlite = dynamic_cast<const soci::sqlite3_soci_error*>(&error);
   return sqlite != nullptr && sqlite->result() == SQLITE_BUSY;
+}
+
+bool IsDamaged(const soci::soci_error& error) {
+  const auto* const sqlite = dynamic_cast<const soci::sqlite3_soci_error*>(&error);
+  return sqlite != nullptr &&
+         (sqlite->result() == SQLITE_CORRUPT || sqlite->result() == SQLITE_NOTADB);
 }
 
 std::string MessageOf(const soci::soci_error& error) {

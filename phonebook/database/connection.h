@@ -4,34 +4,50 @@
 
 #include <soci/soci.h>
 
+#include <atomic>
 #include <string>
 
+#include "phonebook/database/postgresql_login.h"
 #include "phonebook/database/schema.h"
+
+namespace sqlite_api {
+struct sqlite3;
+}
 
 namespace phonebook {
 
 /// A connection that waits for nothing longer than some seconds.
 class DatabaseConnection {
  public:
+  /// Opens nothing yet.
   /// @param database the path of an SQLite file, or a URI of PostgreSQL.
-  /// @throws soci::soci_error when the database doesn't answer.
-  explicit DatabaseConnection(const std::string& database);
-  ~DatabaseConnection();
+  explicit DatabaseConnection(std::string database);
   DatabaseConnection(const DatabaseConnection&) = delete;
   DatabaseConnection& operator=(const DatabaseConnection&) = delete;
 
-  /// Makes the present query fail. Callable from any thread; never waits.
+  /// @throws soci::soci_error or `DatabaseUnavailable` when the database can't be opened.
+  void Open();
+
+  /// Makes the present query fail, or `Open`. Callable from any thread; never waits.
   void Interrupt() noexcept;
+
+  /// Ends the connection without a word to the server, which may not answer. Call it before the
+  /// prepared statements are destroyed: each tells the server of its end, and waits.
+  void Abandon() noexcept;
+
+  /// Whether contacts can be indexed: a read-only file can't be written, nor a database by a role
+  /// without the rights.
+  bool IsWritable();
 
   const Dialect& dialect;
   soci::session session;
 
  private:
-  void OpenFile(const std::string& path);
-  void OpenServer(const std::string& uri);
+  void OpenFile();
 
-  int socket =
-      -1;  // of PostgreSQL, duplicated: libpq may close its own while another thread uses it
+  const std::string database;
+  PostgreSQLLogin login;
+  std::atomic<sqlite_api::sqlite3*> file = nullptr;
 };
 
 /// A transaction that writes; rolled back unless committed. `soci::transaction` begins a deferred
@@ -57,8 +73,14 @@ class Transaction {
   bool isCommitted = false;
 };
 
+/// Whether changes of an SQLite file may be in its write-ahead log.
+bool HasLog(const std::string& path);
+
 /// Whether an SQLite file is locked by another connection.
 bool IsLocked(const soci::soci_error& error);
+
+/// Whether an SQLite file is damaged, or of another kind.
+bool IsDamaged(const soci::soci_error& error);
 
 /// The message of the database, without the lines in which PostgreSQL repeats the statement.
 std::string MessageOf(const soci::soci_error& error);

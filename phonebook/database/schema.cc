@@ -138,6 +138,14 @@ Dialect MakePostgreSQL() {
       "SELECT count(*) FROM pg_index JOIN pg_class ON pg_class.oid = indexrelid"
       " WHERE indrelid IN (to_regclass('contacts'), to_regclass('search_keys'))"
       " AND indisvalid AND relname = :name";
+  postgresql.isWritable =
+      "SELECT CAST(current_setting('transaction_read_only') = 'off'"
+      " AND has_any_column_privilege('contacts', 'UPDATE')"
+      " AND has_table_privilege('search_keys', 'INSERT')"
+      " AND has_any_column_privilege('search_keys', 'UPDATE')"
+      " AND has_table_privilege('search_keys', 'DELETE')"
+      " AND has_table_privilege('removed_contacts', 'DELETE')"
+      " AND has_any_column_privilege('removed_contacts', 'UPDATE') AS INTEGER)";
   postgresql.grants = {"GRANT SELECT ON schema_version TO PUBLIC"};
   postgresql.renames = kRenames;
   postgresql.renames.emplace_back("ALTER INDEX words_by_word RENAME TO search_keys_by_key");

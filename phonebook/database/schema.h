@@ -62,6 +62,7 @@ struct Dialect {
   std::string lockTimeout;  ///< Bounds the wait of an upgrade for other clients.
   std::string idType, keyType, contactType;  ///< Of columns.
   std::string searchKeysEnd;                 ///< Of the definition of the table.
+  std::string isWritable;                    ///< Whether the role may index; 0 or 1.
   std::string onContacts;                    ///< Behind the name of a trigger to drop.
   /// @name How many there are of `:name`
   /// @{

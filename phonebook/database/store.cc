@@ -1,19 +1,20 @@
 #include "phonebook/database/store.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <condition_variable>
 #include <cstring>
 #include <exception>
-#include <filesystem>
+#include <thread>
 #include <utility>
 
 #include "phonebook/database/connection.h"
 #include "phonebook/database/import.h"
+#include "phonebook/database/new_file.h"
 #include "phonebook/database/queries.h"
 #include "phonebook/database/schema.h"
 #include "phonebook/database/search_index.h"
@@ -24,22 +25,54 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr const char* kSchemeCharacters =
+    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789+.-";
+
 class Stopped {};
 
-// Whether there was none.
-bool CreateFile(const std::string& path) {
-  const int created = open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
-  if (created == -1 && errno != EEXIST) {
-    throw DatabaseUnavailable(path + ": " + std::strerror(errno));
-  }
-  if (created != -1) close(created);
-  return created != -1;
+// Refuses what is neither a path nor a URI of PostgreSQL, without repeating what may be a password.
+void ExpectPath(const std::string& database) {
+  const auto scheme = database.find("://");
+  const bool isURI = scheme != 0 && scheme != database.npos &&
+                     database.find_first_not_of(kSchemeCharacters) == scheme;
+  if (!isURI && database.find("password=") == database.npos) return;
+  throw std::runtime_error(
+      "the database must be the path of a file, or a URI that begins with postgresql://");
 }
+
+// Calls a function after some seconds, unless it is destroyed before.
+class Watchdog {
+ public:
+  explicit Watchdog(std::function<void()> bark) {
+    timer = std::thread([this, bark = std::move(bark)] {
+      constexpr std::chrono::seconds kTimeout(10);
+      std::unique_lock lock(mutex);
+      if (!wake.wait_for(lock, kTimeout, [this] { return isOver; })) bark();
+    });
+  }
+  ~Watchdog() {
+    {
+      const std::lock_guard lock(mutex);
+      isOver = true;
+    }
+    wake.notify_one();
+    timer.join();
+  }
+  Watchdog(const Watchdog&) = delete;
+  Watchdog& operator=(const Watchdog&) = delete;
+
+ private:
+  std::mutex mutex;
+  std::condition_variable wake;
+  bool isOver = false;
+  std::thread timer;
+};
 
 void Upgrade(DatabaseConnection& connection, int version) {
   try {
     UpgradeSchema(connection.session, connection.dialect, version);
   } catch (const soci::soci_error& error) {
+    if (IsDamaged(error)) throw;
     throw std::runtime_error("the database has version " + std::to_string(version) +
                              " and can't be upgraded to version " + std::to_string(kSchemaVersion) +
                              ": " + MessageOf(error));
@@ -54,6 +87,7 @@ void Validate(DatabaseConnection& connection) {
     Queries(connection.session, connection.dialect).RunAll();
     SearchIndexer(connection.session, connection.dialect);
   } catch (const soci::soci_error& error) {
+    if (IsDamaged(error)) throw;
     throw std::runtime_error("the database is not a phone book of version " +
                              std::to_string(kSchemaVersion) + ": " + MessageOf(error));
   }
@@ -95,10 +129,13 @@ void CreateOrUpgrade(DatabaseConnection& connection, const std::vector<Contact>&
 
 // What there is while the database is open.
 struct Store::Opened {
-  Opened(const std::string& database, std::string theIdentity)
+  Opened(const std::string& path, std::string theIdentity)
       : identity(std::move(theIdentity)),
-        connection(database),
+        connection(path),
         queries(connection.session, connection.dialect) {}
+  ~Opened() { connection.Abandon(); }
+  Opened(const Opened&) = delete;
+  Opened& operator=(const Opened&) = delete;
 
   const std::string identity;
   Clock::time_point seen = Clock::now();  // when the database had this identity
@@ -115,15 +152,20 @@ Store::~Store() = default;
 template <typename Result>
 Result Store::Run(const std::function<Result(Opened&)>& query) {
   isInterrupted = false;
+  return RunUnlessInterrupted(query);
+}
+
+template <typename Result>
+Result Store::RunUnlessInterrupted(const std::function<Result(Opened&)>& query) {
   try {
     const bool wasConnected = IsConnected();
-    if (!wasConnected) Connect();
+    if (!wasConnected) Connect(database);
     try {
       return query(*opened);
     } catch (const soci::soci_error&) {
       if (!wasConnected || isInterrupted || opened->connection.session.is_connected()) throw;
     }
-    Connect();  // to a server that was restarted since the last query
+    Connect(database);  // to a server that was restarted since the last query
     return query(*opened);
   } catch (const soci::soci_error& error) {
     Disconnect();
@@ -135,29 +177,58 @@ Result Store::Run(const std::function<Result(Opened&)>& query) {
 }
 
 bool Store::CreateOrOpen(const std::vector<Contact>& contacts, const ImportProgress& progress) {
-  const bool isNewFile = !dialect.isPostgreSQL && CreateFile(database);
   const ImportReporter report = [&](std::size_t done, std::size_t total) {
     if (!progress(done, total)) throw Stopped();
   };
-  bool isDone = false;
-  std::exception_ptr failure;
   try {
-    isDone = Run<bool>([&](Opened& store) {
-      DatabaseConnection& connection = store.connection;
-      if (FindSchemaVersion(connection.session, connection.dialect) == kSchemaVersion) {
-        Validate(connection);
-      } else {
-        CreateOrUpgrade(connection, contacts, report);
-      }
-      return true;
-    });
+    if (!dialect.isPostgreSQL) {
+      ExpectPath(database);
+      if (IsDatabaseMissing(database)) ImportIntoNewFile(contacts, report);
+    }
+    OpenOrUpgrade(contacts, report);
+    return true;
   } catch (const Stopped&) {
+    return false;
   } catch (const std::exception&) {
-    failure = std::current_exception();
+    if (!progress(0, 1)) return false;
+    if (isInterrupted) throw DatabaseUnavailable("the database takes too long to answer");
+    throw;
   }
-  if (isNewFile && !isDone) std::filesystem::remove(database);
-  if (failure != nullptr && progress(0, 1)) std::rethrow_exception(failure);
-  return isDone;
+}
+
+// Nothing is under the name of the database before it is whole and closed: a half one would be
+// opened by others, and its journal would be applied to the next file of that name.
+void Store::ImportIntoNewFile(const std::vector<Contact>& contacts, const ImportReporter& report) {
+  NewFile file(database);
+  try {
+    Connect(file.Path());
+    opened->connection.session << "PRAGMA journal_mode = MEMORY";  // nobody else reads the file
+    CreateOrUpgrade(opened->connection, contacts, report);
+    Disconnect();
+  } catch (const soci::soci_error& error) {
+    Disconnect();
+    throw DatabaseUnavailable(MessageOf(error));
+  } catch (...) {
+    Disconnect();
+    throw;
+  }
+  report(1, 1);
+  file.Publish();
+}
+
+void Store::OpenOrUpgrade(const std::vector<Contact>& contacts, const ImportReporter& report) {
+  // Nobody else ends a wait of the first connection.
+  std::optional<Watchdog> watchdog(std::in_place, [this] { Interrupt(); });
+  RunUnlessInterrupted<bool>([&](Opened& store) {
+    DatabaseConnection& connection = store.connection;
+    if (FindSchemaVersion(connection.session, connection.dialect) == kSchemaVersion) {
+      Validate(connection);
+    } else {
+      watchdog.reset();
+      CreateOrUpgrade(connection, contacts, report);
+    }
+    return true;
+  });
 }
 
 ContactPage Store::ListContacts(const Selection& selection, const Cursor& cursor,
@@ -208,30 +279,44 @@ std::string Store::FindNotice(const std::string& name) {
 
 bool Store::IndexPending() {
   constexpr std::chrono::seconds kLimit(1);  // however far away the database is
-  return Run<bool>([&](Opened& store) {
+  bool isWritable = true;
+  const bool hasMore = Run<bool>([&](Opened& store) {
     auto& indexer = store.indexer;
-    if (!indexer) indexer.emplace(store.connection.session, store.connection.dialect);
+    if (!indexer) {
+      isWritable = store.connection.IsWritable();
+      if (!isWritable) return false;
+      indexer.emplace(store.connection.session, store.connection.dialect);
+    }
     return indexer->IndexPending(kLimit);
   });
+  if (!isWritable) {
+    throw DatabaseUnavailable("the database is read-only for this " +
+                              std::string(dialect.isPostgreSQL ? "role" : "user"));
+  }
+  return hasMore;
 }
 
 void Store::Interrupt() noexcept {
-  const std::unique_lock lock(mutex, std::try_to_lock);
-  if (!lock || opened == nullptr) return;
-  isInterrupted = true;
-  opened->connection.Interrupt();
+  isInterrupted = true;  // before the lock: either this sees the connection, or Connect sees this
+  const std::lock_guard lock(mutex);
+  if (opened != nullptr) opened->connection.Interrupt();
 }
 
-void Store::Connect() {
-  std::string identity = Identity();
-  const std::lock_guard lock(mutex);
-  opened = nullptr;
-  opened = std::make_unique<Opened>(database, std::move(identity));
+void Store::Connect(const std::string& path) {
+  Disconnect();
+  auto connecting = std::make_unique<Opened>(path, Identity(path));
+  {
+    const std::lock_guard lock(mutex);
+    opened = std::move(connecting);
+  }
+  if (isInterrupted) throw DatabaseUnavailable("the connection to the database is interrupted");
+  opened->connection.Open();
 }
 
 void Store::Disconnect() {
+  std::unique_ptr<Opened> ended;  // without the lock, for which Interrupt would wait
   const std::lock_guard lock(mutex);
-  opened = nullptr;
+  ended = std::exchange(opened, nullptr);
 }
 
 // Whether there is a connection to what is the database now, or was a moment ago.
@@ -241,20 +326,22 @@ bool Store::IsConnected() {
   const auto now = Clock::now();
   if (now - opened->seen < kMoment) return true;
   opened->seen = now;
-  return opened->identity == Identity();
+  return opened->identity == Identity(database);
 }
 
 // An SQLite connection goes on reading a file that was removed or replaced, and would create one
 // that is missing.
-std::string Store::Identity() const {
+std::string Store::Identity(const std::string& path) const {
   if (dialect.isPostgreSQL) return database;
   struct stat status {};
-  if (stat(database.c_str(), &status) != 0) {
-    throw DatabaseUnavailable(database + ": " + std::strerror(errno));
+  if (stat(path.c_str(), &status) != 0) {
+    throw DatabaseUnavailable(path + ": " + std::strerror(errno));
   }
   std::string identity = std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
-  // SQLite doesn't look for changes in a file that it can't write.
-  if (access(database.c_str(), W_OK) != 0) identity += ":" + std::to_string(status.st_mtime);
+  // SQLite doesn't look for changes in a file that it can't write, nor for a log that is new.
+  if (access(path.c_str(), W_OK) != 0) {
+    identity += ":" + std::to_string(status.st_mtime) + (HasLog(path) ? ":wal" : "");
+  }
   return identity;
 }
 

@@ -12,17 +12,18 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "phonebook/collation.h"
 #include "phonebook/contacts.h"
 #include "phonebook/database/selection.h"
+#include "phonebook/database/unavailable.h"
 
 namespace phonebook {
 
 struct Dialect;
+using ImportReporter = std::function<void(std::size_t done, std::size_t total)>;
 
 /// A page of contacts, and whether there are pages before and after it.
 struct ContactPage {
@@ -36,12 +37,6 @@ struct LetterPage {
   std::vector<Letter> letters;
   bool hasPrevious = false;
   bool hasNext = false;
-};
-
-/// The database doesn't answer; the message is for the log.
-class DatabaseUnavailable : public std::runtime_error {
- public:
-  using runtime_error::runtime_error;
 };
 
 /// Reports progress of an import: how many of `total` steps are done. Returning false stops it.
@@ -61,8 +56,10 @@ class Store {
 
   /// Opens the database. A new one is created and filled with `contacts` and sample notices; one of
   /// an earlier version is upgraded. Any number of processes may do so at the same time. A failed
-  /// or stopped call leaves the database as it was.
-  /// @throws std::runtime_error when the database has other tables or a newer version.
+  /// or stopped call leaves the database as it was; a file appears under its name only when it is
+  /// whole. To stop it, let `progress` return false and call `Interrupt`.
+  /// @throws std::runtime_error when the database has other tables or a newer version, or when a
+  /// file is missing, but not its journal.
   /// @return false when `progress` stopped it.
   bool CreateOrOpen(const std::vector<Contact>& contacts, const ImportProgress& progress);
 
@@ -79,6 +76,8 @@ class Store {
   std::string FindNotice(const std::string& name);
 
   /// Indexes some of the contacts that other programs have written.
+  /// @throws DatabaseUnavailable also when the database is read-only for this program; the message
+  /// is then the same each time.
   /// @return whether more of them are pending.
   bool IndexPending();
 
@@ -90,14 +89,18 @@ class Store {
 
   template <typename Result>
   Result Run(const std::function<Result(Opened&)>& query);
-  void Connect();
+  template <typename Result>
+  Result RunUnlessInterrupted(const std::function<Result(Opened&)>& query);
+  void ImportIntoNewFile(const std::vector<Contact>& contacts, const ImportReporter& report);
+  void OpenOrUpgrade(const std::vector<Contact>& contacts, const ImportReporter& report);
+  void Connect(const std::string& path);
   void Disconnect();
   bool IsConnected();
-  std::string Identity() const;
+  std::string Identity(const std::string& path) const;
 
   std::string database;
   const Dialect& dialect;
-  std::mutex mutex;  // held while the connection is made or ended
+  std::mutex mutex;  // of the pointer, against Interrupt
   std::unique_ptr<Opened> opened;
   std::atomic<bool> isInterrupted = false;
 };
