@@ -74,6 +74,10 @@ void Log(const Request& request, int status, const std::string& reason) {
   std::fputs(line.str().c_str(), stderr);  // a stream would stay failed once the disk was full
 }
 
+void LogIndexingFailure(const std::string& reason) {
+  std::fputs(("phonebook: changed contacts are not indexed: " + reason + "\n").c_str(), stderr);
+}
+
 }  // namespace
 
 std::string Addresses(const std::string& server) {
@@ -203,10 +207,14 @@ void Server::IndexPending() {
   if (isIndexing.exchange(true)) return;
   workers.Submit({[this](Store& store) {
                     hasPending = store.IndexPending();
+                    indexing.Clear();
                     return Response{};
                   },
-                  // Requests report a database that fails.
-                  [](const std::exception_ptr&) { return Response{}; },
+                  [this](const std::exception_ptr& error) {
+                    const std::string reason = indexing.NewReason(error);
+                    if (!reason.empty()) LogIndexingFailure(reason);
+                    return Response{};
+                  },
                   [this](const Response&) {
                     isIndexing = false;
                     if (hasPending.exchange(false)) IndexPending();

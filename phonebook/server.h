@@ -11,6 +11,7 @@
 #include <string>
 #include <variant>
 
+#include "phonebook/failure_report.h"
 #include "phonebook/http_server.h"
 #include "phonebook/pages.h"
 #include "phonebook/url.h"
@@ -65,6 +66,7 @@ class Server {
   std::string ownHost;
   const std::map<std::string, Response> preview;  // by path
   HTTPServer http;
+  FailureReport indexing;
   WorkerPool workers;
   std::atomic<bool> isIndexing = false;
   std::atomic<bool> hasPending = false;
