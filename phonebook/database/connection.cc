@@ -106,7 +106,9 @@ bool IsDamaged(const soci::soci_error& error) {
 }
 
 std::string MessageOf(const soci::soci_error& error) {
-  const std::string message = error.get_error_message();
+  std::string message = error.get_error_message();
+  // SOCI puts the name of its function before the message of SQLite.
+  if (message.rfind("sqlite3_", 0) == 0) message.erase(0, message.find(": ") + 2);
   return message.substr(0, message.find('\n'));
 }
 

@@ -8,9 +8,11 @@
 #include <fstream>
 #include <future>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "phonebook/database/new_file.h"
 #include "phonebook/tests/parsed_page.h"
 #include "phonebook/tests/phone_book.h"
 
@@ -62,10 +64,37 @@ TEST_P(PhoneBook, LeavesNothingBehindWhenTheImportIsStopped) {
     *Connect() << "SELECT count(*) FROM pg_locks WHERE locktype = 'advisory'", soci::into(locks);
     return locks > 0;
   }));
+  EXPECT_FALSE(fs::exists(database));
   EXPECT_EQ(WEXITSTATUS(server.Stop()), 1);
   EXPECT_EQ(ContentOf(server.log), "phonebook: stopped; the database is unchanged\n");
   EXPECT_EQ(FilesBeside(database), 0);
   EXPECT_EQ(ParsedPage(Serve()->Get("/snom/directory").text).First("//Name"), "Adebayo, Folasade");
+}
+
+TEST(NewFile, AppearsOnceWhole) {
+  const TemporaryDirectory directory;
+  const std::string target = directory.path / "new.db";
+  std::ofstream(target + ".import-0badcafe") << "of a process that died";
+  {
+    NewFile first(target), second(target);
+    EXPECT_FALSE(fs::exists(target + ".import-0badcafe"));
+    EXPECT_EQ(FilesBeside(target), 2);
+    std::ofstream(first.Path()) << "first";
+    std::ofstream(second.Path()) << "second";
+    EXPECT_TRUE(IsDatabaseMissing(target));
+    first.Publish();
+    second.Publish();
+  }
+  EXPECT_EQ(ContentOf(target), "first");
+  EXPECT_EQ(FilesBeside(target), 1);
+  fs::remove(target);
+  for (const char* companion : {"-journal", "-wal", "-shm"}) {
+    std::ofstream(target + companion) << "of a file that is gone";
+    EXPECT_THROW(IsDatabaseMissing(target), std::runtime_error);
+    NewFile file(target);
+    EXPECT_THROW(file.Publish(), std::runtime_error);
+    fs::remove(target + companion);
+  }
 }
 
 TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
@@ -75,6 +104,9 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
   };
   const std::string other = directory.path / "other.db";
   soci::session(soci::sqlite3, "dbname=\"" + other + "\"") << "CREATE TABLE contacts (id INTEGER)";
+  const std::string damaged = directory.path / "damaged.db";
+  ServerProcess(directory.path, damaged).Listens();
+  std::fstream(damaged, std::ios::in | std::ios::out).seekp(4096) << std::string(4096, 'x');
   struct Case {
     Texts options;
     std::string said;
@@ -83,6 +115,7 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
   const std::vector<Case> cases = {
       {{}, "other tables than a phone book", other},
       {{}, "No such file", directory.path / "no" / "such.db"},
+      {{}, "phonebook: database disk image is malformed", damaged},
       {{}, "not a database", file("text", "no database at all, but some text")},
       {{"--contacts", file("latin.tsv", "A\t1\t\nGr\xfc\xdf\t2\t\n")}, "latin.tsv:2: this is not"},
       {{"--contacts", file("short.tsv", "# A\n\nB\t1\n")}, "short.tsv:3: expected"},
@@ -120,6 +153,15 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
   ServerProcess reader(directory.path, database, {}, false);
   ASSERT_TRUE(reader.Listens()) << ContentOf(reader.log);
   EXPECT_EQ(ParsedPage(reader.Get("/snom/search?name=ben").text).Items(), Texts{"Ben"});
+  EXPECT_TRUE(
+      Eventually([&] { return reader.IsLogged("not indexed: the database is read-only"); }));
+  EXPECT_EQ(reader.Stop(), 0);
+  // Changes beside it that the user may not read.
+  std::ofstream(database + "-wal") << "changes";
+  fs::permissions(database + "-wal", fs::perms{0600});
+  ServerProcess refused(directory.path, database, {}, false);
+  EXPECT_FALSE(refused.Listens());
+  EXPECT_TRUE(refused.IsLogged("-wal can't be read")) << ContentOf(refused.log);
   fs::permissions(directory.path, fs::perms::owner_all | fs::perms::others_exec);
 }
 }  // namespace
