@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 #include "phonebook/text.h"
 
@@ -67,6 +69,53 @@ bool IsInWord(UChar32 character) {
   return u_isalnum(character) || (U_GET_GC_MASK(character) & U_GC_M_MASK) != 0;
 }
 
+// The compatible characters of letters, digits and what else has some: Ⅷ is VIII.
+icu::UnicodeString Compatible(const icu::UnicodeString& text) {
+  UErrorCode error = U_ZERO_ERROR;
+  const auto compatible = icu::Normalizer2::getNFKCInstance(error)->normalize(text, error);
+  ThrowOnFailure(error);
+  return compatible;
+}
+
+// Whether the character is a Thai or Lao vowel that is written before its consonant. Collation
+// orders it behind, so that its key is no prefix of theirs.
+bool IsWrittenFirst(UChar32 character) {
+  return u_hasBinaryProperty(character, UCHAR_LOGICAL_ORDER_EXCEPTION) != 0;
+}
+
+// Keeps collation from reordering, by grapheme joiners, which it ignores otherwise.
+icu::UnicodeString InWrittenOrder(const icu::UnicodeString& word) {
+  constexpr UChar32 kGraphemeJoiner = 0x034F;
+  icu::UnicodeString written;
+  for (int32_t at = 0; at < word.length(); at = word.moveIndex32(at, 1)) {
+    written.append(word.char32At(at));
+    if (IsWrittenFirst(word.char32At(at))) written.append(kGraphemeJoiner);
+  }
+  return written;
+}
+
+std::vector<icu::UnicodeString> WordsOf(std::string_view text) {
+  const icu::UnicodeString all = Compatible(Unicode(TruncateToCharacters(text, kMaxKeyCharacters)));
+  std::vector<icu::UnicodeString> words;
+  for (int32_t begin = 0, end = 0; begin < all.length(); begin = all.moveIndex32(end, 1)) {
+    for (end = begin; end < all.length() && IsInWord(all.char32At(end));) {
+      end = all.moveIndex32(end, 1);
+    }
+    if (begin != end) words.emplace_back(all, begin, end - begin);
+  }
+  return words;
+}
+
+// Without the characters at the beginning that collation ignores.
+icu::UnicodeString WithoutIgnored(icu::UnicodeString text) {
+  while (text.length() > 0) {
+    const int32_t first = text.moveIndex32(0, 1);
+    if (!KeyOf(text.tempSubString(0, first), icu::Collator::PRIMARY).empty()) break;
+    text.remove(0, first);
+  }
+  return text;
+}
+
 }  // namespace
 
 std::string CollationKey(std::string_view name) {
@@ -80,31 +129,37 @@ std::string PrefixKey(std::string_view text) {
 std::string EndOfPrefix(const std::string& key) { return key + "\U0010FFFF"; }
 
 std::set<std::string> WordKeys(std::string_view text) {
-  const icu::UnicodeString all = Unicode(TruncateToCharacters(text, kMaxKeyCharacters));
   std::set<std::string> keys;
-  for (int32_t begin = 0, end = 0; begin < all.length(); begin = all.moveIndex32(end, 1)) {
-    for (end = begin; end < all.length() && IsInWord(all.char32At(end));) {
-      end = all.moveIndex32(end, 1);
+  for (const auto& word : WordsOf(text)) {
+    for (const auto& order : {word, InWrittenOrder(word)}) {
+      std::string key = KeyOf(order, icu::Collator::PRIMARY);
+      if (!key.empty()) keys.insert(std::move(key));
     }
-    if (begin == end) continue;
-    std::string key = KeyOf(all.tempSubStringBetween(begin, end), icu::Collator::PRIMARY);
+  }
+  return keys;
+}
+
+std::set<std::string> TypedWordKeys(std::string_view text) {
+  std::set<std::string> keys;
+  for (const auto& word : WordsOf(text)) {
+    const bool isConsonantMissing =
+        IsWrittenFirst(word.char32At(word.moveIndex32(word.length(), -1)));
+    std::string key =
+        KeyOf(isConsonantMissing ? InWrittenOrder(word) : word, icu::Collator::PRIMARY);
     if (!key.empty()) keys.insert(std::move(key));
   }
   return keys;
 }
 
-Letter LetterOf(std::string_view name) {
-  const std::string collationKey = CollationKey(name);
+Letter LetterOf(std::string_view name, const std::string& collationKey) {
   UErrorCode error = U_ZERO_ERROR;
-  const icu::Normalizer2* const composing = icu::Normalizer2::getNFKCInstance(error);
   const icu::Normalizer2* const decomposing = icu::Normalizer2::getNFKDInstance(error);
   ThrowOnFailure(error);
-  // The first character need not be the letter: collation ignores some characters, and reorders
-  // others behind the next one.
-  constexpr int kExamined = 5;
-  icu::UnicodeString start =
-      composing->normalize(Unicode(TruncateToCharacters(name, kExamined)), error);
-  ThrowOnFailure(error);
+  // The first character need not be the letter: collation reorders some behind the next one.
+  constexpr int32_t kExamined = 5;
+  icu::UnicodeString start = WithoutIgnored(Unicode(TruncateToCharacters(name, kMaxKeyCharacters)));
+  start.truncate(start.moveIndex32(0, kExamined));
+  start = Compatible(start);
   for (; start.length() > 0; start.remove(0, start.moveIndex32(0, 1))) {
     const icu::UnicodeString letter(start.char32At(0));
     const icu::UnicodeString capital = icu::UnicodeString(letter).toUpper(icu::Locale::getRoot());

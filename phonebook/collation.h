@@ -24,10 +24,14 @@ std::string PrefixKey(std::string_view text);
 /// The upper bound of all keys that begin with `key`.
 std::string EndOfPrefix(const std::string& key);
 
-/// The prefix keys of the words of `text`. A word is a run of letters and digits. No word key holds
-/// `kWordMark`.
+/// The prefix keys of the words of `text`. A word is a run of letters and digits, also of
+/// characters that are compatible with such, as Ⅷ is with VIII. No word key holds `kWordMark`.
 std::set<std::string> WordKeys(std::string_view text);
 constexpr char kWordMark = '\x01';
+
+/// The keys of the words that a reader typed, which are prefixes of the keys of words that begin
+/// so.
+std::set<std::string> TypedWordKeys(std::string_view text);
 
 /// A letter with which names begin.
 struct Letter {
@@ -36,6 +40,8 @@ struct Letter {
 };
 
 /// The letter under which a reader looks for a name.
-Letter LetterOf(std::string_view name);
+/// @param collationKey that under which the name is listed. If it is another name's, there is no
+/// label, and the key is a prefix of it.
+Letter LetterOf(std::string_view name, const std::string& collationKey);
 
 }  // namespace phonebook

@@ -3,8 +3,10 @@
 #include <teleform/screens/escape.h>
 
 #include <algorithm>
+#include <charconv>
 #include <optional>
 #include <sstream>
+#include <system_error>
 #include <utility>
 
 #include "phonebook/collation.h"
@@ -45,9 +47,10 @@ std::string ParamOf(const PageRequest& request, const std::string& name) {
 }
 
 std::optional<long long> ParseId(const std::string& text) {
-  const bool isId =
-      !text.empty() && text.size() <= 18 && text.find_first_not_of("0123456789") == text.npos;
-  return isId ? std::optional(std::stoll(text)) : std::nullopt;
+  long long id = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id);
+  const bool isId = error == std::errc() && end == text.data() + text.size();
+  return isId ? std::optional(id) : std::nullopt;
 }
 
 std::size_t PageSizeOf(const PageRequest& request) {
@@ -71,24 +74,34 @@ std::string PositionOf(const ListedContact& contact) {
   return std::to_string(contact.id) + "-" + TruncateToCharacters(contact.name, kMaxKeyCharacters);
 }
 
+std::optional<Cursor> ParsePosition(const PageParam& param) {
+  const auto dash = std::min(param.position.find('-', 1), param.position.size());  // -1 is an id
+  const auto id = ParseId(param.position.substr(0, dash));
+  if (!id || dash + 1 >= param.position.size()) return std::nullopt;
+  return Cursor{param.isAfter, CollationKey(param.position.substr(dash + 1)), id};
+}
+
 Cursor CursorOf(const PageRequest& request) {
   const auto param = PageParamOf(request);
   if (!param) return {};
-  const auto dash = std::min(param->position.find('-'), param->position.size());
-  const auto id = ParseId(param->position.substr(0, dash));
-  if (!id || dash + 1 >= param->position.size()) {
-    throw HTTPError(400, "A page begins after or before a contact.");
-  }
-  return {param->isAfter, CollationKey(param->position.substr(dash + 1)), *id};
+  const auto cursor = ParsePosition(*param);
+  if (!cursor) throw HTTPError(400, "A page begins after or before a contact.");
+  return *cursor;
 }
 
-// Links a page of a list to those before and after it; `uri` leads to the first page.
+// Links a page of a list to those before and after it; `uri` leads to the first page. The positions
+// of the first and the last entry are empty if there are none.
 template <typename Screen>
-void LinkPages(Screen& screen, const std::string& uri, const std::string& first,
-               const std::string& last, bool hasPrevious, bool hasNext) {
+void LinkPages(Screen& screen, const std::string& uri, std::string first, std::string last,
+               const PageNeighbors& neighbors) {
+  if (neighbors.end) {
+    const std::string end = PositionOf(*neighbors.end);
+    if (neighbors.isForward || first.empty()) last = end;
+    if (!neighbors.isForward || first.empty()) first = end;
+  }
   const std::string prefix = uri + (uri.find('?') == uri.npos ? "?" : "&");
-  if (hasPrevious) screen.previous = prefix + "before=" + PercentEncode(first);
-  if (hasNext) screen.next = prefix + "after=" + PercentEncode(last);
+  if (neighbors.hasPrevious) screen.previous = prefix + "before=" + PercentEncode(first);
+  if (neighbors.hasNext) screen.next = prefix + "after=" + PercentEncode(last);
 }
 
 // The first page may be empty, the others not.
@@ -102,12 +115,14 @@ void ExpectContent(const PageRequest& request, bool hasContent) {
 template <typename Screen>
 void FrameContacts(Screen& screen, const PageRequest& request, const ContactPage& page,
                    const std::string& uri) {
-  ExpectContent(request, !page.contacts.empty());
-  if (page.contacts.empty()) return;
+  ExpectContent(request, !page.contacts.empty() || page.end);
+  if (page.contacts.empty()) {
+    if (page.end) LinkPages(screen, uri, "", "", page);
+    return;
+  }
   const auto& first = page.contacts.front();
   if (page.hasPrevious) screen.title += ", from " + first.name;
-  LinkPages(screen, uri, PositionOf(first), PositionOf(page.contacts.back()), page.hasPrevious,
-            page.hasNext);
+  LinkPages(screen, uri, PositionOf(first), PositionOf(page.contacts.back()), page);
 }
 
 PageResult Home(const PageRequest& request) {
@@ -150,7 +165,10 @@ PageResult Contacts(const PageRequest& request, const std::string& title, const 
     for (auto& contact : page.contacts) {
       menu.items.push_back({std::move(contact.name), PageURI(request, "contact", contact.id)});
     }
-    if (menu.items.empty()) {
+    if (page.end) {
+      menu.items.push_back(
+          {"There may be more. Add a letter to the search?", PageURI(request, "search")});
+    } else if (menu.items.empty()) {
       menu.items.push_back({"Nobody found. Search again?", PageURI(request, "search")});
     }
     return ComposeMenu(request.maker, menu);
@@ -162,19 +180,25 @@ PageResult Letters(const PageRequest& request) {
   Cursor cursor;
   if (const auto param = PageParamOf(request)) {
     const std::string key = PrefixKey(param->position);
-    cursor = {param->isAfter, param->isAfter ? EndOfPrefix(key) : key, 0};
+    const Cursor letter = {param->isAfter, param->isAfter ? EndOfPrefix(key) : key};
+    cursor = ParsePosition(*param).value_or(letter);
   }
   return [request, cursor](Store& store) {
     const std::string uri = PageURI(request, "search");
-    const auto [letters, hasPrevious, hasNext] = store.ListLetters(cursor, PageSizeOf(request));
-    ExpectContent(request, !letters.empty());
-    Menu menu{
-        letters.empty() ? kEmptyTitle : "Search", {}, {HomeKey(request), {SoftKeyRole::kSelect}}};
+    const LetterPage page = store.ListLetters(cursor, PageSizeOf(request));
+    const auto& letters = page.letters;
+    const bool hasContent = !letters.empty() || page.end;
+    ExpectContent(request, hasContent);
+    Menu menu{hasContent ? "Search" : kEmptyTitle, {}, {HomeKey(request), {SoftKeyRole::kSelect}}};
     for (const auto& letter : letters) {
       menu.items.push_back({letter.label, uri + "?letter=" + PercentEncode(letter.label)});
     }
-    if (!letters.empty()) {
-      LinkPages(menu, uri, letters.front().label, letters.back().label, hasPrevious, hasNext);
+    if (hasContent) {
+      LinkPages(menu, uri, letters.empty() ? "" : letters.front().label,
+                letters.empty() ? "" : letters.back().label, page);
+    }
+    if (page.end) {
+      menu.items.push_back({"More letters", page.isForward ? menu.next : menu.previous});
     }
     return ComposeMenu(request.maker, menu);
   };
@@ -207,7 +231,7 @@ PageResult Search(const PageRequest& request) {
                     {PrefixKey(letter), {}});
   }
   if (name.empty()) return SearchForm(request);
-  const auto words = WordKeys(name);
+  const auto words = TypedWordKeys(name);
   if (words.size() > Selection::kMaxWords) {
     throw HTTPError(400, "A search has six words at most.");
   }

@@ -1,43 +1,60 @@
 #include "phonebook/database/queries.h"
 
 #include <algorithm>
+#include <iterator>
+#include <limits>
 #include <map>
+#include <tuple>
 #include <utility>
 
 #include "phonebook/collation.h"
 #include "phonebook/database/connection.h"
+#include "phonebook/text.h"
 
 namespace phonebook {
 
 namespace {
 
-// A search first looks at some contacts in their order: where many are found, that is enough.
-constexpr int kGlance = 5000;
+// What a search looks at. A statement over so many rows takes some milliseconds.
+constexpr int kMaxContacts = 4000;      // in the order of their names
+constexpr std::size_t kMaxKeys = 6000;  // search keys, of all words of a search together
 
-constexpr long long kBeforeAll = 0;  // the ids of contacts
+constexpr long long kBeforeAll = std::numeric_limits<long long>::min();  // the ids of contacts
 
 // From a position on, forwards or backwards.
-std::string Beyond(bool isForward, const std::string& collationKey, const std::string& id) {
-  return "(" + collationKey + ", " + id + ")" + (isForward ? " > " : " < ") +
-         "(:collation_key, :id)";
+std::string Beyond(bool isForward, const std::string& columns, const std::string& position) {
+  return "(" + columns + ")" + (isForward ? " > " : " < ") + "(" + position + ", :id)";
 }
 std::string Ordered(bool isForward, const std::string& collationKey, const std::string& id) {
   const std::string direction = isForward ? "" : " DESC";
   return " ORDER BY " + collationKey + direction + ", " + id + direction;
 }
 
-// Two lists in the order of the names, or the other way round, as one.
+// A column as far as pages show it.
+std::string Shown(const std::string& column, int characters = kMaxShownCharacters) {
+  return "substr(" + column + ", 1, " + std::to_string(characters) + ")";
+}
+
+// Cuts what the database takes for one character, as malformed UTF-8 may be of any length.
+void Cut(std::string& text, int characters = kMaxShownCharacters) {
+  if (text.size() > static_cast<std::size_t>(characters)) {
+    text = TruncateToCharacters(text, characters);
+  }
+}
+
+bool IsNearer(const ListedContact& a, const ListedContact& b, bool isForward) {
+  return isForward ? std::tie(a.collationKey, a.id) < std::tie(b.collationKey, b.id)
+                   : std::tie(b.collationKey, b.id) < std::tie(a.collationKey, a.id);
+}
+
+// Two lists, the nearest first, as one.
 std::vector<ListedContact> Merged(const std::vector<ListedContact>& some,
                                   const std::vector<ListedContact>& others, bool isForward) {
-  std::map<std::pair<std::string, long long>, const ListedContact*> merged;
-  for (const auto* list : {&some, &others}) {
-    for (const auto& row : *list) merged[{CollationKey(row.name), row.id}] = &row;
-  }
-  std::vector<ListedContact> rows;
-  rows.reserve(merged.size());
-  for (const auto& [position, row] : merged) rows.push_back(*row);
-  if (!isForward) std::reverse(rows.begin(), rows.end());
-  return rows;
+  std::vector<ListedContact> merged;
+  merged.reserve(some.size() + others.size());
+  std::set_union(some.begin(), some.end(), others.begin(), others.end(), std::back_inserter(merged),
+                 [&](const auto& a, const auto& b) { return IsNearer(a, b, isForward); });
+  return merged;
 }
 
 }  // namespace
@@ -45,10 +62,11 @@ std::vector<ListedContact> Merged(const std::vector<ListedContact>& some,
 // A prepared query for a list of contacts.
 class Queries::ListQuery {
  public:
-  ListQuery(soci::session& session, const std::string& sql) : statement(session) {
+  ListQuery(soci::session& session, const std::string& sql, bool hasKey) : statement(session) {
     statement.exchange(soci::into(row.id));
     statement.exchange(soci::into(row.name));
     statement.exchange(soci::into(row.telephone));
+    if (hasKey) statement.exchange(soci::into(row.collationKey));
     const auto use = [&](auto& value, const std::string& name) {
       if (sql.find(":" + name) != sql.npos) statement.exchange(soci::use(value, name));
     };
@@ -56,6 +74,9 @@ class Queries::ListQuery {
     use(to, "to");
     use(collationKey, "collation_key");
     use(id, "id");
+    if (sql.find(":contact") != sql.npos) {
+      statement.exchange(soci::use(contact, isContact, "contact"));
+    }
     for (std::size_t i = 0; i < words.size(); ++i) use(words[i], "word" + std::to_string(i));
     use(limit, "limit");
     Prepare(statement, sql);
@@ -69,7 +90,9 @@ class Queries::ListQuery {
     from = prefix;
     to = EndOfPrefix(prefix);
     collationKey = cursor.collationKey;
-    id = cursor.id;
+    id = cursor.id.value_or(kBeforeAll);
+    contact = id;
+    isContact = cursor.id ? soci::i_ok : soci::i_null;
     for (std::size_t i = 0; i < words.size(); ++i) {
       words[i] = i < theWords.size() ? kWordMark + theWords[i] : "";
     }
@@ -78,7 +101,11 @@ class Queries::ListQuery {
     statement.execute();
     constexpr std::size_t kPage = 32;
     rows.reserve(std::min(size, kPage));
-    while (statement.fetch()) rows.push_back(std::move(row));
+    while (statement.fetch()) {
+      Cut(row.name);
+      Cut(row.telephone);
+      rows.push_back(std::move(row));
+    }
     return rows;
   }
 
@@ -87,16 +114,21 @@ class Queries::ListQuery {
   ListedContact row;
   std::string from, to, collationKey;
   std::array<std::string, Selection::kMaxWords> words;
-  long long id = 0;
+  long long id = 0, contact = 0;
+  soci::indicator isContact = soci::i_null;
   int limit = 0;
 };
 
 class Queries::ContactQuery {
  public:
   explicit ContactQuery(soci::session& session) : statement(session) {
-    for (const auto& column : kColumns) statement.exchange(soci::into(row.*column.field));
+    std::string columns;
+    for (const auto& column : kColumns) {
+      statement.exchange(soci::into(row.*column.field));
+      columns += (columns.empty() ? "" : ", ") + Shown(column.name);
+    }
     statement.exchange(soci::use(id));
-    Prepare(statement, "SELECT " + ColumnNames() + " FROM contacts WHERE id = :id");
+    Prepare(statement, "SELECT " + columns + " FROM contacts WHERE id = :id");
   }
 
   std::optional<Contact> Run(long long theId) {
@@ -104,6 +136,8 @@ class Queries::ContactQuery {
     std::optional<Contact> found;
     statement.execute();
     while (statement.fetch()) found = row;  // to the end, where SQLite unlocks what it read
+    if (!found) return found;
+    for (const auto& column : kColumns) Cut((*found).*column.field);
     return found;
   }
 
@@ -118,7 +152,8 @@ class Queries::NoticeQuery {
   explicit NoticeQuery(soci::session& session) : statement(session) {
     statement.exchange(soci::into(text));
     statement.exchange(soci::use(name));
-    Prepare(statement, "SELECT text FROM notices WHERE name = :name");
+    Prepare(statement,
+            "SELECT " + Shown("text", kMaxNoticeCharacters) + " FROM notices WHERE name = :name");
   }
 
   std::optional<std::string> Run(const std::string& theName) {
@@ -126,6 +161,7 @@ class Queries::NoticeQuery {
     std::optional<std::string> found;
     statement.execute();
     while (statement.fetch()) found = text;
+    if (found) Cut(*found, kMaxNoticeCharacters);
     return found;
   }
 
@@ -141,7 +177,7 @@ Queries::~Queries() = default;
 
 void Queries::RunAll() {
   const std::string afterAll = EndOfPrefix("");
-  for (const Query query : {kByName, kByNameAndWords, kNearest, kByWord, kWordCount}) {
+  for (const Query query : {kByName, kNext, kByNameAndWords, kLastOfMany, kByWord, kWordCount}) {
     for (const bool isForward : {false, true}) List(query, afterAll, {}, {isForward}, 1);
   }
   FindContact(kBeforeAll);
@@ -150,7 +186,8 @@ void Queries::RunAll() {
 
 Queries::ListQuery& Queries::Prepared(Query query, bool isForward) {
   auto& list = lists[query][isForward ? 1 : 0];
-  if (!list) list = std::make_unique<ListQuery>(session, SQLOf(query, isForward));
+  const bool hasKey = query != kByName && query != kWordCount;
+  if (!list) list = std::make_unique<ListQuery>(session, SQLOf(query, isForward), hasKey);
   return *list;
 }
 
@@ -169,23 +206,37 @@ std::string Queries::SQLOf(Query query, bool isForward) const {
   for (std::size_t i = 0; i < Selection::kMaxWords; ++i) {
     hasWords += " AND " + dialect.position + "(all_keys, :word" + std::to_string(i) + ") > 0";
   }
-  const std::string select = "SELECT id, name, telephone FROM ";
-  const std::string beyond = Beyond(isForward, "collation_key", "id");
+  // The position is that of the contact at it, wherever indexing has moved it meanwhile, and no
+  // further away than the prefix: an index can begin with one.
+  const std::string position =
+      "COALESCE((SELECT collation_key FROM contacts WHERE id = :contact), :collation_key)";
+  const std::string nearest = std::string(dialect.isPostgreSQL ? (isForward ? "GREATEST" : "LEAST")
+                                                               : (isForward ? "max" : "min")) +
+                              "(" + position + (isForward ? ", :from)" : ", :to)");
   const std::string ordered = Ordered(isForward, "collation_key", "id");
-  const std::string hasPrefix =
-      isForward ? " AND collation_key < :to" : " AND collation_key >= :from";
+  const std::string ofContacts =
+      " FROM contacts WHERE " + Beyond(isForward, "collation_key, id", nearest) +
+      (isForward ? " AND collation_key < :to" : " AND collation_key >= :from") + ordered;
   const std::string ofSearchKeys = " FROM search_keys WHERE key >= :from AND key < :to";
+  const std::string shown = Shown("name") + ", " + Shown("telephone");
+  const std::string many = std::to_string(kMaxContacts);
   switch (query) {
     case kByName:  // whose collation keys have the prefix, whatever their words
-      return select + "contacts WHERE " + beyond + hasPrefix + ordered + " LIMIT :limit";
-    case kByNameAndWords:  // and that have the words
-      return select + "contacts WHERE " + beyond + hasPrefix + hasWords + ordered + " LIMIT :limit";
-    case kNearest:  // those among the nearest ones that have the words
-      return select + "(SELECT * FROM contacts WHERE " + beyond + ordered + " LIMIT " +
-             std::to_string(kGlance) + ") c WHERE TRUE" + hasWords + ordered + " LIMIT :limit";
+      return "SELECT id, " + shown + ofContacts + " LIMIT :limit";
+    case kNext:
+      return "SELECT id, " + shown + ", collation_key" + ofContacts + " LIMIT :limit";
+    case kByNameAndWords:  // those among the nearest ones of kByName that have the words
+      return "SELECT id, " + shown +
+             ", collation_key FROM (SELECT id, name, telephone, collation_key, all_keys" +
+             ofContacts + " LIMIT " + many + ") c WHERE TRUE" + hasWords + ordered +
+             " LIMIT :limit";
+    case kLastOfMany:  // the last one that kByNameAndWords looks at, if there are so many
+      return "SELECT id, " + shown + ", collation_key" + ofContacts + " LIMIT 1 OFFSET " +
+             std::to_string(kMaxContacts - 1);
     case kByWord:  // that have the words, and a search key with the prefix
-      return select + "(SELECT DISTINCT collation_key AS place, contact" + ofSearchKeys + " AND " +
-             Beyond(isForward, "collation_key", "contact") + hasWords +
+      return "SELECT id, " + shown + ", collation_key FROM (SELECT DISTINCT collation_key AS " +
+             "place, contact" + ofSearchKeys + " AND " +
+             Beyond(isForward, "collation_key, contact", position) + hasWords +
              Ordered(isForward, "collation_key", "contact") + " LIMIT :limit) w" +
              " JOIN contacts ON id = contact AND collation_key = place" +
              Ordered(isForward, "place", "id");
@@ -198,15 +249,7 @@ std::string Queries::SQLOf(Query query, bool isForward) const {
 std::vector<ListedContact> Queries::List(Query query, const std::string& prefix,
                                          const std::vector<std::string>& words,
                                          const Cursor& cursor, std::size_t size) {
-  // The begin of the prefix or the cursor, whichever is further: an index can begin with one.
-  Cursor begin = cursor;
-  if (query == kByName || query == kByNameAndWords) {
-    const std::string bound = cursor.isForward ? prefix : EndOfPrefix(prefix);
-    if ((bound > cursor.collationKey) == cursor.isForward) {
-      begin = {cursor.isForward, bound, kBeforeAll};
-    }
-  }
-  return Prepared(query, cursor.isForward).Run(prefix, words, begin, size);
+  return Prepared(query, cursor.isForward).Run(prefix, words, cursor, size);
 }
 
 std::vector<ListedContact> Queries::ListByName(const std::string& prefix, const Cursor& cursor,
@@ -214,26 +257,56 @@ std::vector<ListedContact> Queries::ListByName(const std::string& prefix, const 
   return List(kByName, prefix, {}, cursor, size);
 }
 
-std::vector<ListedContact> Queries::Search(const std::vector<std::string>& words,
-                                           const Cursor& cursor, std::size_t size) {
-  auto found = List(kNearest, "", words, cursor, size);
-  if (found.size() == size) return found;
-  const std::string& rarest = RarestOf(words);
-  return Merged(List(kByNameAndWords, rarest, words, cursor, size),
-                List(kByWord, rarest, words, cursor, size), cursor.isForward);
+std::optional<ListedContact> Queries::FindNext(const Cursor& cursor) {
+  auto found = List(kNext, "", {}, cursor, 1);
+  return found.empty() ? std::nullopt : std::optional(std::move(found.front()));
 }
 
-// The word with the fewest search keys.
-const std::string& Queries::RarestOf(const std::vector<std::string>& words) {
-  constexpr std::size_t kMany = 10000;  // beyond which counting would take its time, too
-  const auto rarity = [&](const std::string& word) {
-    const long long count =
-        words.size() == 1 ? 0 : List(kWordCount, word, {}, {}, kMany).front().id;
-    return std::pair(-count, word.size());
-  };
+SearchResult Queries::Search(const std::vector<std::string>& words, const Cursor& cursor,
+                             std::size_t size) {
+  // Where many are found among the nearest ones, that is enough.
+  SearchResult found = SearchByName("", words, cursor, size);
+  if (!found.end) return found;
+  const std::string* const rarest = RarestOf(words);
+  if (rarest == nullptr) return found;
+  SearchResult byName = SearchByName(*rarest, words, cursor, size);
+  found.contacts =
+      Merged(byName.contacts, List(kByWord, *rarest, words, cursor, size), cursor.isForward);
+  found.end = std::move(byName.end);
+  if (found.end) {  // beyond which those by name are missing
+    const auto isKnown = [&](const auto& other) {
+      return !IsNearer(*found.end, other, cursor.isForward);
+    };
+    found.contacts.erase(
+        std::partition_point(found.contacts.begin(), found.contacts.end(), isKnown),
+        found.contacts.end());
+  }
+  if (found.contacts.size() >= size) {
+    found.contacts.resize(size);
+    found.end.reset();
+  }
+  return found;
+}
+
+// Looks at the nearest contacts whose collation keys begin with `prefix`.
+SearchResult Queries::SearchByName(const std::string& prefix, const std::vector<std::string>& words,
+                                   const Cursor& cursor, std::size_t size) {
+  SearchResult found{List(kByNameAndWords, prefix, words, cursor, size), {}};
+  if (found.contacts.size() == size) return found;
+  auto last = List(kLastOfMany, prefix, {}, cursor, 1);
+  if (!last.empty()) found.end = std::move(last.front());
+  return found;
+}
+
+// The word with the fewest search keys; null if all have many.
+const std::string* Queries::RarestOf(const std::vector<std::string>& words) {
+  const std::size_t many = kMaxKeys / words.size();
   std::map<std::pair<long long, std::size_t>, const std::string*> byRarity;
-  for (const auto& word : words) byRarity[rarity(word)] = &word;
-  return *byRarity.rbegin()->second;
+  for (const auto& word : words) {
+    const long long count = List(kWordCount, word, {}, {}, many).front().id;
+    if (count < static_cast<long long>(many)) byRarity[{-count, word.size()}] = &word;
+  }
+  return byRarity.empty() ? nullptr : byRarity.rbegin()->second;
 }
 
 std::optional<Contact> Queries::FindContact(long long id) { return PreparedContactQuery().Run(id); }

@@ -1,6 +1,6 @@
 /// @file
-/// The queries of pages, searches, single contacts and notices. Each takes few steps through an
-/// index, however many contacts there are, and is prepared once.
+/// The queries of pages, searches, single contacts and notices. Each takes a bounded number of
+/// steps through an index, however many contacts there are, and is prepared once.
 #pragma once
 
 #include <soci/soci.h>
@@ -35,19 +35,24 @@ class Queries {
   std::vector<ListedContact> ListByName(const std::string& prefix, const Cursor& cursor,
                                         std::size_t size);
 
-  /// Up to `size` contacts beyond `cursor`, the nearest first, that have all of `words`, which are
-  /// prefixes of word keys. There must be one at least, and `Selection::kMaxWords` at most.
-  std::vector<ListedContact> Search(const std::vector<std::string>& words, const Cursor& cursor,
-                                    std::size_t size);
+  /// The contact next to `cursor`, with its collation key, if there is one.
+  std::optional<ListedContact> FindNext(const Cursor& cursor);
 
-  /// The contact of that id, if there is one.
+  /// Up to `size` contacts beyond `cursor`, the nearest first, that have all of `words`, which are
+  /// prefixes of word keys. There must be one at least, and `Selection::kMaxWords` at most. Looks
+  /// at all contacts that have a rare word, but only at the nearest ones where all words are
+  /// common.
+  SearchResult Search(const std::vector<std::string>& words, const Cursor& cursor,
+                      std::size_t size);
+
+  /// The contact of that id, if there is one, as far as pages show it.
   std::optional<Contact> FindContact(long long id);
 
-  /// The text of the notice, if there is one.
+  /// The text of the notice, if there is one, as far as pages show it.
   std::optional<std::string> FindNotice(const std::string& name);
 
  private:
-  enum Query { kByName, kByNameAndWords, kNearest, kByWord, kWordCount };
+  enum Query { kByName, kNext, kByNameAndWords, kLastOfMany, kByWord, kWordCount };
   static constexpr std::size_t kQueries = kWordCount + 1;
   class ListQuery;
   class ContactQuery;
@@ -60,7 +65,9 @@ class Queries {
   std::vector<ListedContact> List(Query query, const std::string& prefix,
                                   const std::vector<std::string>& words, const Cursor& cursor,
                                   std::size_t size);
-  const std::string& RarestOf(const std::vector<std::string>& words);
+  SearchResult SearchByName(const std::string& prefix, const std::vector<std::string>& words,
+                            const Cursor& cursor, std::size_t size);
+  const std::string* RarestOf(const std::vector<std::string>& words);
 
   soci::session& session;
   const Dialect& dialect;

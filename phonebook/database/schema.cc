@@ -249,6 +249,7 @@ void UpgradeSchema(soci::session& session, const Dialect& dialect, int from) {
     if (column.since > from) session << "ALTER TABLE contacts ADD COLUMN " << Definition(column);
   }
   for (const auto& trigger : dialect.triggers) session << trigger.sql;
+  if (from < 3) session << "UPDATE contacts SET is_indexed = FALSE WHERE is_indexed = TRUE";
   session << "UPDATE schema_version SET version = " << kSchemaVersion;
 }
 

@@ -19,8 +19,12 @@ std::string Pending(const std::string& columns, const std::string& from) {
          std::to_string(kMaxPending);
 }
 std::string PendingChanged() {
-  return Pending("id, COALESCE(collation_key, ''), COALESCE(all_keys, ''), " + ColumnNames(),
-                 "contacts WHERE is_indexed = FALSE");
+  std::string columns = "id, COALESCE(collation_key, ''), COALESCE(all_keys, '')";
+  for (const auto& column : kColumns) {  // as far as it counts
+    columns +=
+        ", substr(" + std::string(column.name) + ", 1, " + std::to_string(kMaxKeyCharacters) + ")";
+  }
+  return Pending(columns, "contacts WHERE is_indexed = FALSE");
 }
 std::string PendingRemoved() {
   std::string columns = "contact, collation_key, all_keys";

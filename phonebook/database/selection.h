@@ -4,16 +4,30 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace phonebook {
 
-/// What a page lists of a contact.
+/// A page shows no more characters of a name, a telephone or a department, nor of a notice.
+constexpr int kMaxShownCharacters = 500;
+constexpr int kMaxNoticeCharacters = 4096;
+
+/// What a page lists of a contact. The texts are cut to what a page shows.
 struct ListedContact {
   long long id = 0;
   std::string name;
   std::string telephone;
+  std::string collationKey{};  ///< As stored; only where a query merges or groups contacts.
+};
+
+/// What a search found.
+struct SearchResult {
+  std::vector<ListedContact> contacts;
+  /// The contact up to which the search looked, if it stopped before the end. All that it matches
+  /// up to there are found.
+  std::optional<ListedContact> end;
 };
 
 /// A condition on contacts; empty fields match everybody.
@@ -27,8 +41,10 @@ struct Selection {
 /// while contacts come and go.
 struct Cursor {
   bool isForward = true;
+  /// Of the contact at the position, if that one is gone; its stored one counts as long as it
+  /// exists.
   std::string collationKey{};
-  long long id = 0;
+  std::optional<long long> id{};  ///< None for a position that is no contact's.
 };
 
 }  // namespace phonebook

@@ -234,38 +234,47 @@ void Store::OpenOrUpgrade(const std::vector<Contact>& contacts, const ImportRepo
 ContactPage Store::ListContacts(const Selection& selection, const Cursor& cursor,
                                 std::size_t size) {
   const std::size_t oneMore = size + 1;  // which tells whether there are others beyond
-  auto rows = Run<std::vector<ListedContact>>([&](Opened& store) {
-    return selection.words.empty() ? store.queries.ListByName(selection.prefix, cursor, oneMore)
-                                   : store.queries.Search(selection.words, cursor, oneMore);
+  auto [rows, end] = Run<SearchResult>([&](Opened& store) -> SearchResult {
+    if (!selection.words.empty()) return store.queries.Search(selection.words, cursor, oneMore);
+    return {store.queries.ListByName(selection.prefix, cursor, oneMore), {}};
   });
-  const bool hasMore = rows.size() > size;
-  if (hasMore) rows.resize(size);
-  if (cursor.isForward) return {std::move(rows), !cursor.collationKey.empty(), hasMore};
-  if (!hasMore) return ListContacts(selection, {}, size);  // the first page, and full
-  std::reverse(rows.begin(), rows.end());
-  return {std::move(rows), true, true};
+  const bool hasMore = rows.size() > size || end;
+  if (!cursor.isForward && !hasMore) return ListContacts(selection, {}, size);  // first and full
+  if (rows.size() > size) rows.resize(size);
+  if (!cursor.isForward) std::reverse(rows.begin(), rows.end());
+  const bool hasPrevious = !cursor.isForward || !cursor.collationKey.empty();
+  const bool hasNext = !cursor.isForward || hasMore;
+  return {{hasPrevious, hasNext, std::move(end), cursor.isForward}, std::move(rows)};
 }
 
 LetterPage Store::ListLetters(const Cursor& cursor, std::size_t size) {
-  return Run<LetterPage>([&](Opened& store) {
-    LetterPage found;
-    found.hasPrevious = !cursor.collationKey.empty();
-    for (std::string key = cursor.collationKey;;) {
+  constexpr int kMaxOthers = 50;  // names or characters that are no letters, one query each
+  auto page = Run<LetterPage>([&](Opened& store) {
+    LetterPage found{{!cursor.collationKey.empty(), false, {}, cursor.isForward}, {}};
+    int others = 0;
+    for (Cursor at = cursor;;) {
       // A step through the index: the first name at or beyond the last letter.
-      const auto names = store.queries.ListByName("", {cursor.isForward, key, 0}, 1);
-      if (names.empty()) break;
-      found.hasNext = found.letters.size() == size;
+      auto next = store.queries.FindNext(at);
+      if (!next) break;
+      found.hasNext = found.letters.size() == size || others == kMaxOthers;
       if (found.hasNext) break;
-      Letter letter = LetterOf(names.front().name);
-      key = cursor.isForward ? EndOfPrefix(letter.key) : letter.key;
-      if (!letter.label.empty()) found.letters.push_back(std::move(letter));
-    }
-    if (!cursor.isForward) {
-      std::reverse(found.letters.begin(), found.letters.end());
-      std::swap(found.hasPrevious, found.hasNext);
+      Letter letter = LetterOf(next->name, next->collationKey);
+      at = {cursor.isForward, cursor.isForward ? EndOfPrefix(letter.key) : letter.key};
+      found.end.reset();
+      if (!letter.label.empty()) {
+        found.letters.push_back(std::move(letter));
+      } else if (++others == kMaxOthers) {
+        found.end = std::move(next);
+      }
     }
     return found;
   });
+  if (!page.hasNext) page.end.reset();
+  if (cursor.isForward) return page;
+  if (page.letters.empty() && !page.end) return ListLetters({}, size);
+  std::reverse(page.letters.begin(), page.letters.end());
+  std::swap(page.hasPrevious, page.hasNext);
+  return page;
 }
 
 std::optional<Contact> Store::FindContact(long long id) {

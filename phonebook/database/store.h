@@ -25,18 +25,24 @@ namespace phonebook {
 struct Dialect;
 using ImportReporter = std::function<void(std::size_t done, std::size_t total)>;
 
-/// A page of contacts, and whether there are pages before and after it.
-struct ContactPage {
-  std::vector<ListedContact> contacts;
+/// Whether there are pages before and after a page.
+struct PageNeighbors {
   bool hasPrevious = false;
   bool hasNext = false;
+  /// The contact up to which a search has looked that stopped before the page was full: the next
+  /// page begins there, or the previous one ends there.
+  std::optional<ListedContact> end{};
+  bool isForward = true;  ///< Whether `end` is after the page.
 };
 
-/// A page of the letters with which names begin, and whether there are pages before and after it.
-struct LetterPage {
+/// A page of contacts.
+struct ContactPage : PageNeighbors {
+  std::vector<ListedContact> contacts;
+};
+
+/// A page of the letters with which names begin.
+struct LetterPage : PageNeighbors {
   std::vector<Letter> letters;
-  bool hasPrevious = false;
-  bool hasNext = false;
 };
 
 /// Reports progress of an import: how many of `total` steps are done. Returning false stops it.
@@ -63,16 +69,18 @@ class Store {
   /// @return false when `progress` stopped it.
   bool CreateOrOpen(const std::vector<Contact>& contacts, const ImportProgress& progress);
 
-  /// Up to `size` contacts of `selection` beyond `cursor`, in the order of their names.
+  /// Up to `size` contacts of `selection` beyond `cursor`, in the order of their names. None is
+  /// missing between the first and the last page, but a search for common words may look only at
+  /// some thousand contacts for a page and stop before it is full.
   ContactPage ListContacts(const Selection& selection, const Cursor& cursor, std::size_t size);
 
-  /// Up to `size` letters beyond `cursor`.
+  /// Up to `size` letters beyond `cursor`; fewer where many names begin with no letter.
   LetterPage ListLetters(const Cursor& cursor, std::size_t size);
 
-  /// The contact of that id, if there is one.
+  /// The contact of that id, if there is one, as far as pages show it.
   std::optional<Contact> FindContact(long long id);
 
-  /// The text of the notice `name`; empty if there is none.
+  /// The text of the notice `name`, as far as pages show it; empty if there is none.
   std::string FindNotice(const std::string& name);
 
   /// Indexes some of the contacts that other programs have written.

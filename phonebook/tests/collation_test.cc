@@ -60,10 +60,18 @@ TEST(Collation, FindsWordsByTheirBeginnings) {
                                    {"D'Angelo", "ang", true},
                                    {"Ωmega", "ΩM", true},
                                    {"日本 太郎", "太", true},
-                                   {"日本 太郎", "本", false}};
+                                   {"日本 太郎", "本", false},
+                                   {"Henry Ⅷ", "viii", true},
+                                   {"Henry VIII", "Ⅷ h", true},
+                                   {"เกม", "เ", true},
+                                   {"เกม", "เก", true},
+                                   {"เกม", "ก", true},
+                                   {"กเกม", "กเ", true},
+                                   {"ເກມ", "ເ", true},
+                                   {"เกเกม", "เกเ", true}};
   for (const auto& [text, word, isFound] : cases) {
     const auto keys = WordKeys(text);
-    const auto typed = WordKeys(word);
+    const auto typed = TypedWordKeys(word);
     EXPECT_FALSE(typed.empty()) << word;
     EXPECT_EQ(std::all_of(typed.begin(), typed.end(),
                           [&](const std::string& prefix) {
@@ -105,14 +113,20 @@ TEST(Collation, ListsNamesUnderTheLettersOfReaders) {
                                    {"\x01"
                                     "Ben",
                                     "B"},
+                                   {"\u200E\u200E\u200E\u200E\u200E\u200Eben", "B"},
+                                   {"เกม", "ก"},
                                    {"", ""},
                                    {"\x01\x02", ""}};
   for (const auto& [name, label] : cases) {
-    const Letter letter = LetterOf(name);
+    const Letter letter = LetterOf(name, CollationKey(name));
     EXPECT_EQ(letter.label, label) << name;
     EXPECT_TRUE(StartsWith(CollationKey(name), letter.key)) << name;
     EXPECT_TRUE(letter.label.empty() || letter.key == PrefixKey(label)) << name;
   }
+  const std::string outdated = CollationKey("Zoe");
+  const Letter none = LetterOf("Ben", outdated);
+  EXPECT_EQ(none.label, "");
+  EXPECT_TRUE(!none.key.empty() && StartsWith(outdated, none.key));
 }
 
 }  // namespace

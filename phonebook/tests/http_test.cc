@@ -63,7 +63,7 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
       {"GET /snom/contact/99999999999999999999" + end + "\r\n", {"404"}, "not in the phone book"},
       {"GET /snom/dial/x" + end + "\r\n", {"404"}, "not in the phone book"},
       {"GET /snom/directory?after=x" + end + "\r\n", {"400"}, "begins after"},
-      {"GET /snom/directory?after=1-%E9%BE%A5" + end + "\r\n", {"404"}, "beyond the last"},
+      {"GET /snom/directory?after=0-%E9%BE%A5" + end + "\r\n", {"404"}, "beyond the last"},
       {"GET /yealink/search?after=%E9%BE%A5" + end + "\r\n", {"404"}, "beyond the last"},
       {"GET /snom/search?name=" + tooLong + end + "\r\n", {"400"}, "64 characters"},
       {"GET /snom/search?name=1+2+3+4+5+6+7" + end + "\r\n", {"400"}, "six words"},
