@@ -131,11 +131,11 @@ std::string EndOfPrefix(const std::string& key) { return key + "\U0010FFFF"; }
 std::set<std::string> WordKeys(std::string_view text) {
   std::set<std::string> keys;
   for (const auto& word : WordsOf(text)) {
-    for (const auto& order : {word, InWrittenOrder(word)}) {
-      std::string key = KeyOf(order, icu::Collator::PRIMARY);
-      if (!key.empty()) keys.insert(std::move(key));
-    }
+    keys.insert(KeyOf(word, icu::Collator::PRIMARY));
+    const icu::UnicodeString written = InWrittenOrder(word);
+    if (written != word) keys.insert(KeyOf(written, icu::Collator::PRIMARY));
   }
+  keys.erase("");
   return keys;
 }
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "phonebook/database/selection.h"
 #include "phonebook/tests/parsed_page.h"
 #include "phonebook/tests/phone_book.h"
 
@@ -176,6 +177,11 @@ TEST_P(PhoneBook, PagesThroughContactsThatChangeMeanwhile) {
   for (const auto& maker : kMakers) {
     for (const char* path : {"/directory", "/search?name=con"}) {
       Fill(names);
+      if (std::string(path) == "/directory") {  // ids of either sign and of 19 digits
+        *session << "UPDATE contacts SET id = 9223372036854775806 - id WHERE id % 2 = 0";
+        *session << "UPDATE contacts SET id = id - 9223372036854775807 WHERE id % 2 = 1";
+        EXPECT_TRUE(IsIndexed());
+      }
       std::sort(names.begin(), names.end());
       pageThrough("/" + maker.path + path,
                   *path == '/' && path[1] == 'd' ? maker.inPages : maker.inSearch);
@@ -221,6 +227,22 @@ TEST_P(PhoneBook, ServesWellFormedPagesOfHostileContacts) {
   EXPECT_TRUE(IsIndexed());
   EXPECT_EQ(ParsedPage(server->Get("/cisco/directory").text).Items().size(), hostile.size() + 2);
   EXPECT_GT(ParsedPage(server->Get("/yealink/search").text).Items().size(), 5U);
+
+  // A page shows the beginning of a text of any length.
+  std::string endless;
+  for (int i = 0; i < 100000; ++i) endless += "ä";
+  *session << "UPDATE notices SET text = :text", soci::use(endless);
+  *session << "UPDATE contacts SET telephone = :text WHERE telephone = '2'", soci::use(endless);
+  const auto shows = [&](const std::string& page, int characters) {
+    const std::string text = server->Get(page).text;
+    return text.find(endless.substr(0, 2 * static_cast<std::size_t>(characters)) + "<") !=
+           text.npos;
+  };
+  EXPECT_TRUE(shows("/aastra/message", kMaxNoticeCharacters));
+  EXPECT_TRUE(shows("/cisco/directory", kMaxShownCharacters));
+  long long id = 0;
+  *session << "SELECT max(id) FROM contacts", soci::into(id);
+  EXPECT_TRUE(shows("/cisco/contact/" + std::to_string(id), kMaxShownCharacters));
 }
 }  // namespace
 

@@ -3,9 +3,13 @@
 #include <soci/soci.h>
 #include <teleform/screens/escape.h>
 
+#include <algorithm>
 #include <map>
 #include <string>
+#include <vector>
 
+#include "phonebook/collation.h"
+#include "phonebook/database/store.h"
 #include "phonebook/tests/parsed_page.h"
 #include "phonebook/tests/phone_book.h"
 
@@ -73,6 +77,71 @@ TEST_P(PhoneBook, FindsByWordsAndListsInCollationOrder) {
               " contacts.all_keys = search_keys.all_keys WHERE id IS NULL",
       soci::into(others);
   EXPECT_EQ(others, 0);
+}
+
+void Import(const std::string& database, const std::vector<Contact>& contacts) {
+  EXPECT_TRUE(Store(database).CreateOrOpen(contacts, [](auto, auto) { return true; }));
+}
+
+TEST_P(PhoneBook, LooksForCommonWordsInSteps) {
+  std::vector<Contact> contacts;
+  for (int i = 0; i < 9000; ++i) {
+    const bool isBoth = i == 100 || i == 8900;
+    contacts.push_back({"N" + std::to_string(10000 + i), "1",
+                        isBoth       ? "red blue"
+                        : i % 2 == 0 ? "red"
+                                     : "blue"});
+  }
+  Import(database, contacts);
+  const auto server = Serve();
+  const std::string more = "There may be more. Add a letter to the search?";
+  const std::string search = server->base + "/aastra/search?name=blue+red";
+  const auto follow = [&](std::string address, const std::string& label) {
+    std::vector<Texts> pages;
+    while (!address.empty() && pages.size() < 9) {
+      const ParsedPage page(server->Get(address).text);
+      pages.push_back(page.Items());
+      address = page.First(("//*[Label = '" + label + "']/URI").c_str());
+    }
+    return pages;
+  };
+  EXPECT_EQ(follow(search, "Next"), (std::vector<Texts>{{"N10100", more}, {more}, {"N18900"}}));
+  EXPECT_EQ(follow(search + "&before=8901-N18900", "Previous"),
+            (std::vector<Texts>{{more}, {more}, {"N10100", more}}));
+  EXPECT_EQ(follow(search + "&before=4103-N14102", "Next"),
+            (std::vector<Texts>{{more}, {more}, {more}, {"N18900"}}));
+  EXPECT_EQ(follow(search + "+n18", "Next"), std::vector<Texts>{{"N18900"}});  // a rare word
+}
+
+TEST_P(PhoneBook, ListsChangedNamesInTheirOldOrderUntilTheyAreIndexed) {
+  std::vector<Contact> contacts;
+  for (int i = 10; i < 99; ++i) contacts.push_back({"N" + std::to_string(i), "1", "Sales"});
+  Import(database, contacts);
+  *Connect() << "UPDATE contacts SET name = CASE WHEN id % 2 = 0 THEN 'A' ELSE 'Z' END ||"
+                " CAST(1000 - id AS VARCHAR(9))";
+  Store store(database);
+  for (const Selection& selection : {Selection{}, Selection{"", {*WordKeys("sales").begin()}}}) {
+    std::vector<long long> seen;
+    Cursor cursor;
+    for (bool hasNext = true; hasNext && seen.size() < 99;) {
+      const ContactPage page = store.ListContacts(selection, cursor, 7);
+      for (const auto& contact : page.contacts) seen.push_back(contact.id);
+      ASSERT_FALSE(page.contacts.empty());
+      const auto& last = page.contacts.back();
+      cursor = {true, CollationKey(last.name), last.id};
+      hasNext = page.hasNext;
+    }
+    EXPECT_EQ(seen.size(), contacts.size());
+    EXPECT_TRUE(std::is_sorted(seen.begin(), seen.end()));  // ids follow the names
+  }
+  // Names that don't begin with the letters under which they are listed.
+  std::size_t pages = 1;
+  LetterPage letters = store.ListLetters({}, 20);
+  for (; letters.hasNext && pages < 9; ++pages) {
+    ASSERT_TRUE(letters.end);
+    letters = store.ListLetters({true, CollationKey(letters.end->name), letters.end->id}, 20);
+  }
+  EXPECT_EQ(pages, 2U);
 }
 }  // namespace
 
