@@ -1,6 +1,7 @@
 #include "phonebook/worker_pool.h"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace phonebook {
@@ -17,29 +18,43 @@ void FailUnserved(const Task& task) {
 
 WorkerPool::WorkerPool(const std::string& database, std::size_t size) : running(size) {
   for (std::size_t i = 0; i < size; ++i) workers.emplace_back(database);
-  for (auto& worker : workers) {
-    worker.thread = std::thread([this, &worker] { Work(worker); });
+  try {
+    for (auto& worker : workers) {
+      worker.thread = std::thread([this, &worker] { Work(worker); });
+    }
+  } catch (const std::system_error& error) {
+    Join();
+    throw std::system_error(error.code(), "can't create a thread");
   }
 }
 
-WorkerPool::~WorkerPool() {
+WorkerPool::~WorkerPool() { Join(); }
+
+void WorkerPool::Join() {
   Stop({});
-  for (auto& worker : workers) worker.thread.join();
+  for (auto& worker : workers) {
+    if (worker.thread.joinable()) worker.thread.join();
+  }
 }
 
 void WorkerPool::Submit(Task task) {
-  const auto queued = std::make_shared<QueuedTask>();
+  auto queued = std::make_shared<QueuedTask>();
   queued->task = std::move(task);
   queued->deadline = Clock::now() + kTimeout;
-  {
-    const std::lock_guard lock(mutex);
-    if (queue.size() < kMaxQueue && !isStopping) {
-      queue.push_back(queued);
-      WakeWorker();
-      return;
-    }
-  }
-  FailUnserved(queued->task);
+  if (!Queue(queued)) FailUnserved(queued->task);
+}
+
+// Queues a task. Otherwise returns false, and in `queued` the one that has no place.
+bool WorkerPool::Queue(std::shared_ptr<QueuedTask>& queued) {
+  const std::lock_guard lock(mutex);
+  if (isStopping) return false;
+  std::shared_ptr<QueuedTask> replaced;
+  const bool isFull = queue.Size() >= kMaxQueue;
+  if (isFull && !queue.PopFromLargest(queued->task.client, replaced)) return false;
+  queue.Push(queued->task.client, queued);
+  WakeWorker();
+  if (isFull) queued = std::move(replaced);
+  return !isFull;
 }
 
 void WorkerPool::Work(Worker& worker) {
@@ -52,7 +67,7 @@ std::shared_ptr<WorkerPool::QueuedTask> WorkerPool::NextTask(Worker& worker) {
   std::unique_lock lock(mutex);
   previous = std::exchange(worker.task, nullptr);
   if (previous != nullptr) average += (worker.end - worker.begin - average) / 16;
-  while (queue.empty() && !isStopping) {
+  while (queue.IsEmpty() && !isStopping) {
     worker.isAsleep = true;
     worker.wake.wait(lock, [&] { return !worker.isAsleep || isStopping; });
   }
@@ -61,8 +76,7 @@ std::shared_ptr<WorkerPool::QueuedTask> WorkerPool::NextTask(Worker& worker) {
     ended.notify_all();
     return nullptr;
   }
-  worker.task = std::move(queue.front());
-  queue.pop_front();
+  worker.task = queue.Pop();
   worker.begin = Clock::now();
   return worker.task;
 }
@@ -99,8 +113,8 @@ void WorkerPool::WakeWorker() {
       ++awake;
     }
   }
-  const auto wait = average * static_cast<int>(queue.size());
-  if (queue.empty() || sleeper == nullptr || wait < awake * kSoon) return;
+  const auto wait = average * static_cast<int>(queue.Size());
+  if (queue.IsEmpty() || sleeper == nullptr || wait < awake * kSoon) return;
   sleeper->isAsleep = false;
   sleeper->wake.notify_one();
 }
@@ -109,10 +123,8 @@ void WorkerPool::ExpireOverdue(Clock::time_point now) {
   std::vector<std::shared_ptr<QueuedTask>> expired;
   {
     const std::lock_guard lock(mutex);
-    while (!queue.empty() && queue.front()->deadline <= now) {
-      expired.push_back(std::move(queue.front()));
-      queue.pop_front();
-    }
+    queue.TakeLeading([now](const auto& queued) { return queued->deadline <= now; },
+                      [&](auto queued) { expired.push_back(std::move(queued)); });
     for (auto& worker : workers) {
       if (worker.task == nullptr || worker.task->deadline > now) continue;
       if (!worker.task->isFinished.exchange(true)) expired.push_back(worker.task);

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "phonebook/database/store.h"
+#include "phonebook/fair_queue.h"
 #include "phonebook/http_message.h"
 
 namespace phonebook {
@@ -30,9 +31,12 @@ struct Task {
   std::function<Response(const std::exception_ptr&)> fail;
   /// Delivers the response, on any thread. Must not throw.
   ResponseCallback done;
+  /// The client that the task is for. Clients take turns.
+  std::string client{};
 };
 
-/// Worker threads, one per connection to the database, fed by a bounded queue.
+/// Worker threads, one per connection to the database, fed by a bounded queue in which clients take
+/// turns.
 class WorkerPool {
  public:
   using Clock = std::chrono::steady_clock;
@@ -41,13 +45,15 @@ class WorkerPool {
   static constexpr std::chrono::milliseconds kTimeout{2500};
   static constexpr std::size_t kMaxQueue = 512;
 
+  /// @throws std::system_error when a thread can't be created.
   WorkerPool(const std::string& database, std::size_t size);
 
   /// Waits for the threads to end.
   ~WorkerPool();
 
-  /// Queues a task; it fails at once if the queue is full or the pool is stopped. May be called
-  /// from any thread.
+  /// Queues a task. If the queue is full, the last task of the client with the most tasks fails at
+  /// once, which may be this one; so does every task when the pool is stopped. May be called from
+  /// any thread.
   void Submit(Task task);
 
   /// Fails the overdue tasks and interrupts their queries. Call it several times a second; it never
@@ -75,14 +81,16 @@ class WorkerPool {
     std::thread thread;
   };
 
+  void Join();
   void Work(Worker& worker);
   std::shared_ptr<QueuedTask> NextTask(Worker& worker);
   static void Run(Worker& worker, QueuedTask& queued);
+  bool Queue(std::shared_ptr<QueuedTask>& queued);
   void WakeWorker();
 
   std::mutex mutex;
   std::condition_variable ended;
-  std::deque<std::shared_ptr<QueuedTask>> queue;
+  FairQueue<std::shared_ptr<QueuedTask>> queue;
   std::deque<Worker> workers;
   Clock::duration average{};  // of the running time of tasks, without delivery
   std::size_t running = 0;    // workers

@@ -31,6 +31,7 @@ class WorkerPoolWithGate : public testing::Test {
   ~WorkerPoolWithGate() override { Open(); }
 
   // A task that tells in `delivered` how it ends: by its name, and the message of an exception.
+  // Its client is the first character of its name.
   void Submit(
       const std::string& name, const std::function<void()>& run = [] {}) {
     pool.Submit({[name, run](Store&) {
@@ -47,7 +48,8 @@ class WorkerPoolWithGate : public testing::Test {
                  [this](const Response& response) {
                    const std::lock_guard lock(mutex);
                    delivered += response.body + "\n";
-                 }});
+                 },
+                 name.substr(0, 1)});
   }
   void Open() {
     if (!std::exchange(isOpen, true)) gate.set_value();
@@ -57,7 +59,7 @@ class WorkerPoolWithGate : public testing::Test {
     const auto finished = std::make_shared<std::promise<void>>();
     pool.Submit({[](Store&) { return Response{}; },
                  [](const std::exception_ptr&) { return Response{}; },
-                 [finished](const Response&) { finished->set_value(); }});
+                 [finished](const Response&) { finished->set_value(); }, "z"});
     finished->get_future().wait();
   }
   std::string Delivered() {
@@ -76,31 +78,39 @@ class WorkerPoolWithGate : public testing::Test {
   WorkerPool pool{"never opened.db", 1};
 };
 
-TEST_F(WorkerPoolWithGate, RunsTasksInOrder) {
-  Submit("1");
-  Submit("2", [] { throw std::runtime_error("failed"); });
-  Submit("3");
+TEST_F(WorkerPoolWithGate, LetsClientsTakeTurns) {
+  Submit("a1");
+  Submit("a2", [] { throw std::runtime_error("failed"); });
+  Submit("a3");
+  Submit("b1");
+  Submit("c1");
+  Submit("b2");
   EXPECT_EQ(Delivered(), "");
   Open();
   Finish();
-  EXPECT_EQ(Delivered(), "gate\n1\n2: failed\n3\n");
+  Finish();
+  Finish();
+  EXPECT_EQ(Delivered(), "gate\na1\nb1\nc1\na2: failed\nb2\na3\n");
 }
 
 TEST_F(WorkerPoolWithGate, BoundsItsQueue) {
   std::string all = "gate\n";
-  for (std::size_t i = 1; i < WorkerPool::kMaxQueue; ++i) {
-    Submit(std::to_string(i));
-    all += std::to_string(i) + "\n";
+  for (std::size_t i = 2; i < WorkerPool::kMaxQueue; ++i) {
+    Submit("a" + std::to_string(i));
+    all += "a" + std::to_string(i) + (i == 2 ? "\nb\n" : "\n");
   }
   const auto last = std::make_shared<std::promise<void>>();
-  Submit("last", [last] { last->set_value(); });
+  Submit("a last", [last] { last->set_value(); });
+  Submit("a replaced");
   EXPECT_EQ(Delivered(), "");
-  Submit("one more");
-  EXPECT_EQ(Delivered(), Late("one more"));
+  Submit("a one more");
+  EXPECT_EQ(Delivered(), Late("a one more"));
+  Submit("b");
+  EXPECT_EQ(Delivered(), Late("a replaced"));
   Open();
   last->get_future().wait();
   Finish();
-  EXPECT_EQ(Delivered(), all + "last\n");
+  EXPECT_EQ(Delivered(), all + "a last\n");
 }
 
 TEST_F(WorkerPoolWithGate, ExpiresRunningAndQueuedTasks) {
