@@ -1,24 +1,46 @@
 #include "phonebook/http_connection.h"
 
 #include <cstdint>
+#include <iterator>
 #include <utility>
+
+#include "phonebook/url.h"
 
 namespace phonebook {
 
 namespace {
 
 namespace asio = boost::asio;
+namespace beast = boost::beast;
 namespace http = boost::beast::http;
 using asio::ip::tcp;
 using boost::beast::error_code;
 
 constexpr auto kNever = HTTPConnection::Clock::time_point::max();
 
+std::string TextOf(beast::string_view view) { return {view.data(), view.size()}; }
+
+template <typename Message>
+bool IsHTTP10(const Message& request) {
+  return request.version() < 11;
+}
+
 }  // namespace
 
-HTTPConnection::HTTPConnection(ConnectionOwner& theOwner, tcp::socket theSocket,
-                               std::string theAddress)
-    : owner(theOwner), socket(std::move(theSocket)), address(std::move(theAddress)) {
+const std::string& ConnectionOwner::Date() {
+  const std::time_t now = std::time(nullptr);
+  if (now != dateTime) {
+    char text[64];
+    std::tm parts{};
+    gmtime_r(&now, &parts);
+    date.assign(text, std::strftime(text, sizeof text, "%a, %d %b %Y %H:%M:%S GMT", &parts));
+    dateTime = now;
+  }
+  return date;
+}
+
+HTTPConnection::HTTPConnection(ConnectionOwner& theOwner, tcp::socket theSocket, Peer thePeer)
+    : owner(theOwner), socket(std::move(theSocket)), peer(std::move(thePeer)) {
   error_code ignored;
   socket.set_option(tcp::no_delay(true), ignored);
 }
@@ -33,15 +55,31 @@ void HTTPConnection::ReadRequest() {
   Parse();
 }
 
+// Skips empty lines before a request, which some clients send after a body.
+void HTTPConnection::SkipEmptyLines() {
+  const auto* const bytes = static_cast<const char*>(buffer.data().data());
+  std::size_t size = 0;
+  while (isIdle && size + 1 < buffer.size() && bytes[size] == '\r' && bytes[size + 1] == '\n') {
+    size += 2;
+  }
+  buffer.consume(size);
+}
+
 void HTTPConnection::Parse() {
+  SkipEmptyLines();
   error_code error;
-  if (buffer.size() > 0) {
+  const bool isHalfEmptyLine =
+      isIdle && buffer.size() == 1 && *static_cast<const char*>(buffer.data().data()) == '\r';
+  if (buffer.size() > 0 && !isHalfEmptyLine) {
     if (std::exchange(isIdle, false)) SetDeadline(owner.limits.requestTimeout);
     buffer.consume(parser->put(buffer.data(), error));
   }
-  if (error && error != http::error::need_more) {
+  const int status = parser->is_header_done() ? CheckHeader() : 0;
+  if (status != 0) {
+    Refuse(status);
+  } else if (error && error != http::error::need_more) {
     Refuse(error);
-  } else if (parser->is_done()) {
+  } else if (parser->is_done() || IsBodyAwaited()) {
     Serve();
   } else if (buffer.size() > owner.limits.maxHeader) {
     Refuse(413);  // Beast buffers chunk headers without a limit
@@ -71,20 +109,44 @@ void HTTPConnection::OnRead(error_code error, std::size_t size) {
   }
 }
 
-void HTTPConnection::Serve() {
+// Returns the status that refuses the header, or 0.
+int HTTPConnection::CheckHeader() const {
+  if (parser->get().target().size() > owner.limits.maxTarget) return 414;
+  const int status = CheckHost();
+  return status != 0 ? status : CheckTransferEncoding();
+}
+
+int HTTPConnection::CheckHost() const {
   const auto& request = parser->get();
-  isHTTP10 = request.version() < 11;
-  isKeptAlive = request.keep_alive();
-  isHead = request.method() == http::verb::head;
-  if (request.target().size() > owner.limits.maxTarget) {
-    Refuse(414);
-    return;
+  const auto count = request.count(http::field::host);
+  if (count == 0) return IsHTTP10(request) ? 0 : 400;
+  return count == 1 && HostNameOf(TextOf(request[http::field::host])) ? 0 : 400;
+}
+
+// With another coding the length of the body is unknown, or proxies see another one.
+int HTTPConnection::CheckTransferEncoding() const {
+  const auto& request = parser->get();
+  const auto [begin, end] = request.equal_range(http::field::transfer_encoding);
+  if (begin == end) return 0;
+  if (IsHTTP10(request)) return 400;
+  if (std::next(begin) == end && beast::iequals(begin->value(), "chunked")) return 0;
+  for (auto field = begin; field != end; ++field) {
+    for (const auto coding : http::token_list(field->value())) {
+      if (!beast::iequals(coding, "chunked")) return 501;
+    }
   }
-  // The length of the body is unknown, or proxies see another one.
-  if (request.count(http::field::transfer_encoding) > 0 && (isHTTP10 || !request.chunked())) {
-    Refuse(400);
-    return;
-  }
+  return 400;
+}
+
+// Whether the client waits for a status before it sends the body.
+bool HTTPConnection::IsBodyAwaited() const {
+  const auto& request = parser->get();
+  return parser->is_header_done() && !IsHTTP10(request) &&
+         beast::iequals(request[http::field::expect], "100-continue");
+}
+
+void HTTPConnection::Serve() {
+  isKeptAlive = parser->get().keep_alive() && parser->is_done();
   deadline = kNever;
   owner.handlers.serve(Described(), [weak = weak_from_this(), &owner = owner](Response response) {
     owner.Respond(weak, std::move(response));
@@ -108,28 +170,43 @@ void HTTPConnection::Refuse(error_code error) {
 
 void HTTPConnection::Refuse(int status) {
   isKeptAlive = false;
-  Write(owner.handlers.refuse(Described(), status));
+  Send(owner.handlers.refuse(Described(), status, ""));
 }
 
 Request HTTPConnection::Described() const {
   const auto& request = parser->get();
-  const auto text = [](boost::beast::string_view view) {
-    return std::string(view.data(), view.size());
-  };
-  return {text(request.method_string()), text(request.target()), text(request[http::field::host]),
-          text(request[http::field::user_agent]), address};
+  const bool hasHost = parser->is_header_done() && CheckHost() == 0;
+  return {TextOf(request.method_string()),
+          TextOf(request.target()),
+          hasHost ? TextOf(request[http::field::host]) : "",
+          TextOf(request[http::field::user_agent]),
+          peer.address,
+          peer.client,
+          beast::iequals(request["Sec-Fetch-Site"], "cross-site")};
 }
 
 void HTTPConnection::Write(Response response) {
+  if (response.body.size() + owner.unsent > owner.limits.maxUnsent) {
+    isKeptAlive = false;
+    response = owner.handlers.refuse(Described(), 503, "too many responses are unsent");
+  }
+  Send(std::move(response));
+}
+
+void HTTPConnection::Send(Response response) {
+  const bool isHead = parser->get().method() == http::verb::head;
   isKeptAlive = isKeptAlive && !owner.isStopping;
   message.emplace(static_cast<http::status>(response.status), 11);
+  message->set(http::field::date, owner.Date());
   message->set(http::field::content_type, response.type);
   for (const auto& [name, value] : response.fields) message->set(name, value);
   message->keep_alive(isKeptAlive);
   // The default of HTTP/1.0 is to close.
-  if (isKeptAlive && isHTTP10) message->set(http::field::connection, "keep-alive");
+  if (isKeptAlive && IsHTTP10(parser->get())) message->set(http::field::connection, "keep-alive");
   message->content_length(response.body.size());
   if (!isHead) message->body() = std::move(response.body);
+  unsent = message->body().size();
+  owner.unsent += unsent;
   SetDeadline(owner.limits.responseTimeout);
   http::async_write(socket, *message, [self = shared_from_this()](error_code error, std::size_t) {
     self->OnWrite(error);
@@ -137,6 +214,7 @@ void HTTPConnection::Write(Response response) {
 }
 
 void HTTPConnection::OnWrite(error_code error) {
+  owner.unsent -= std::exchange(unsent, 0);
   message.reset();
   parser.reset();
   if (error) {

@@ -8,6 +8,7 @@
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http.hpp>
 #include <chrono>
+#include <ctime>
 #include <memory>
 #include <optional>
 #include <string>
@@ -34,17 +35,30 @@ class ConnectionOwner {
   /// Forgets a connection that has ended.
   virtual void Remove(const std::shared_ptr<HTTPConnection>& connection) = 0;
 
+  /// The Date field of a response.
+  const std::string& Date();
+
   const HTTPHandlers handlers;
   const HTTPLimits limits;
   bool isStopping = false;
+  std::size_t unsent = 0;  ///< Bytes of responses being written.
+
+ private:
+  std::string date;
+  std::time_t dateTime = -1;
+};
+
+/// The client of a connection.
+struct Peer {
+  std::string address;
+  std::string client;  ///< The address, or the network (/64) of an IPv6 address.
 };
 
 class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// @param address the client's.
-  HTTPConnection(ConnectionOwner& owner, boost::asio::ip::tcp::socket socket, std::string address);
+  HTTPConnection(ConnectionOwner& owner, boost::asio::ip::tcp::socket socket, Peer peer);
 
   /// Waits for the next request, which may have arrived with the one before, and serves it.
   void ReadRequest();
@@ -60,12 +74,18 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
  private:
   using error_code = boost::beast::error_code;
 
+  void SkipEmptyLines();
   void Parse();
+  int CheckHeader() const;
+  int CheckHost() const;
+  int CheckTransferEncoding() const;
+  bool IsBodyAwaited() const;
   void Read();
   void OnRead(error_code error, std::size_t size);
   void Serve();
   void Refuse(error_code error);
   void Refuse(int status);
+  void Send(Response response);
   Request Described() const;
   void OnWrite(error_code error);
   void Shutdown();
@@ -75,7 +95,7 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
 
   ConnectionOwner& owner;
   boost::asio::ip::tcp::socket socket;
-  std::string address;
+  Peer peer;
   Clock::time_point deadline;
   boost::beast::flat_buffer buffer;
   std::optional<boost::beast::http::request_parser<boost::beast::http::string_body>> parser;
@@ -83,8 +103,7 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   bool isIdle = false;
   bool isOverdue = false;
   bool isKeptAlive = false;
-  bool isHead = false;
-  bool isHTTP10 = false;
+  std::size_t unsent = 0;  // of owner.unsent
 };
 
 }  // namespace phonebook

@@ -18,6 +18,7 @@ struct HTTPLimits {
   std::size_t maxHeader = 16384;            ///< In bytes, including the request line.
   std::size_t maxTarget = 8192;             ///< In bytes.
   std::size_t maxBody = 8192;               ///< In bytes; a body is discarded.
+  std::size_t maxUnsent = 32 << 20;         ///< In bytes, of all responses being written.
   std::chrono::seconds requestTimeout{5};   ///< For a whole request, from its first byte.
   std::chrono::seconds responseTimeout{5};  ///< For the client to take a response.
   std::chrono::seconds idleTimeout{60};     ///< Between requests.
@@ -30,7 +31,8 @@ struct HTTPHandlers {
   std::function<void(Request, ResponseCallback)> serve;
   /// Returns the response to a request that is malformed or exceeds a limit. The connection is
   /// closed after it.
-  std::function<Response(const Request&, int status)> refuse;
+  /// @param cause for the log, or empty.
+  std::function<Response(const Request&, int status, const std::string& cause)> refuse;
 };
 
 /// Serves all connections on the thread that calls `Run`.

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdlib>
 #include <exception>
@@ -21,10 +22,13 @@
 #include "phonebook/assets.h"
 #include "phonebook/contacts.h"
 #include "phonebook/database/store.h"
+#include "phonebook/log.h"
 #include "phonebook/server.h"
 #include "phonebook/url.h"
 
 namespace {
+
+constexpr std::chrono::milliseconds kFlushTimeout(300);
 
 struct Options {
   phonebook::ServerOptions server;
@@ -99,6 +103,13 @@ std::string NormalizeBaseURL(std::string& url) {
   return normalized ? "" : "it must be like http://phonebook.example:8080";
 }
 
+std::string NormalizeHost(std::string& host) {
+  const bool isBareIPv6 = std::count(host.begin(), host.end(), ':') > 1 && host.front() != '[';
+  const auto name = phonebook::HostNameOf(isBareIPv6 ? "[" + host + "]" : host);
+  host = name.value_or(host);
+  return name ? "" : "it must be a host name or IP address";
+}
+
 void AddOptions(CLI::App& app, Options& options) {
   app.option_defaults()->always_capture_default();
   app.add_option("--address", options.server.address, "IP address to listen on");
@@ -114,6 +125,9 @@ void AddOptions(CLI::App& app, Options& options) {
   app.add_option("--base-url", options.server.baseURL,
                  "what links begin with; the host of the request if empty")
       ->transform(CLI::Validator(NormalizeBaseURL, ""));
+  app.add_option("--host", options.server.hosts,
+                 "host name or IP address that requests may name, repeatable; any if none")
+      ->transform(CLI::Validator(NormalizeHost, ""));
   app.add_option("--contacts", options.contacts,
                  "contacts to import into a new database; samples if empty")
       ->check(CLI::ExistingFile);
@@ -127,7 +141,11 @@ void LimitConnections(phonebook::ServerOptions& options) {
   setrlimit(RLIMIT_NOFILE, &files);
   const rlim_t others = 16 + 4 * options.databaseConnections;
   const rlim_t most = std::max(files.rlim_cur, others + 1) - others;
-  options.maxConnections = std::min<std::size_t>(options.maxConnections, most);
+  if (most >= options.maxConnections) return;
+  options.maxConnections = most;
+  phonebook::Log(phonebook::Severity::kWarning,
+                 "only " + std::to_string(most) + " connections are possible, as the limit of " +
+                     "open files is " + std::to_string(files.rlim_cur));
 }
 
 void PrintAddresses(const std::string& host) {
@@ -145,19 +163,24 @@ int Main(int argc, char** argv) {
   AddOptions(app, options);
   CLI11_PARSE(app, argc, argv);
 
-  static Signals signals;  // outlives its detached thread
+  static Signals signals;   // outlives its detached thread
+  signal(SIGHUP, SIG_IGN);  // the terminal may close
   signal(SIGPIPE, SIG_IGN);
+  signal(SIGXFSZ, SIG_IGN);  // the write fails
+  phonebook::StartLog();
   LimitConnections(options.server);
   phonebook::Server server(options.database, options.server);
   const std::string host = server.Listen();
   if (!CreateOrOpen(options, signals)) {
-    std::cerr << "phonebook: stopped; the database is unchanged\n";
+    phonebook::Log(phonebook::Severity::kWarning, "stopped; the database is unchanged");
+    phonebook::FlushLog(kFlushTimeout);
     return 1;
   }
   PrintAddresses(host);
   const auto stopping = signals.OnStop([&] { server.Stop(); });
   const bool hasEnded = server.Run();
-  std::cout << "phonebook: stopped\n" << std::flush;
+  phonebook::Log(phonebook::Severity::kInfo, "stopped");
+  phonebook::FlushLog(kFlushTimeout);
   if (!hasEnded) std::_Exit(EXIT_SUCCESS);  // a worker hangs in the database
   return 0;
 }
@@ -168,7 +191,8 @@ int main(int argc, char** argv) {
   try {
     return Main(argc, argv);
   } catch (const std::exception& error) {
-    std::cerr << "phonebook: " << error.what() << "\n";
+    phonebook::Log(phonebook::Severity::kError, error.what());
+    phonebook::FlushLog(kFlushTimeout);
     return 1;
   }
 }

@@ -2,12 +2,12 @@
 
 #include <teleform/screens/escape.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <exception>
 #include <sstream>
 #include <utility>
 
-#include "phonebook/assets.h"
+#include "phonebook/log.h"
 #include "phonebook/preview.h"
 
 namespace phonebook {
@@ -28,13 +28,16 @@ struct StatusFacts {
 };
 constexpr StatusFacts kStatuses[] = {
     {400, "Not understood", "The request was not understood."},
+    {403, "Not allowed", "Other sites can't read the phone book."},
     {404, "Not found", kNoPage},
     {405, "Not allowed", "The phone book is only read."},
     {408, "Too slow", "The request took too long to arrive."},
     {413, "Too large", "The request is too large."},
     {414, "Too long", "The address is too long."},
+    {421, "Not found", "The phone book has another address."},
     {431, "Too large", "The request's header is too large."},
     {500, "Error", "The phone book made a mistake."},
+    {501, "Not understood", "The coding of the request is unknown."},
     {503, "Please try again", kUnavailable},
 };
 
@@ -64,18 +67,23 @@ Response MakeResponse(int status, IPPhoneXML& document) {
   return response;
 }
 
-// Logs one line, which hostile input can't end.
+// Percent-encodes what the log can't hold, and leaves room for what follows.
+std::string Readable(const std::string& text, std::size_t maxSize) {
+  std::string readable = PercentEncode(text, "/ ?=&%:;,()[]'\"@!$*+");
+  if (readable.size() > maxSize) readable.replace(maxSize, readable.npos, "...");
+  return readable;
+}
+
 void Log(const Request& request, int status, const std::string& reason) {
-  constexpr const char* kReadable = "/ ?=&%:;,()[]'\"@!$*+";
-  std::ostringstream line;
-  line << "phonebook: " << status << " " << PercentEncode(request.method) << " "
-       << PercentEncode(request.target, kReadable) << " from " << request.address << ": "
-       << PercentEncode(reason, kReadable) << "\n";
-  std::fputs(line.str().c_str(), stderr);  // a stream would stay failed once the disk was full
+  const bool isOwnFault = status == 500 || status == 503;
+  LogRequest(isOwnFault ? Severity::kError : Severity::kWarning, request.client,
+             std::to_string(status) + " " + Readable(request.method, 20) + " " +
+                 Readable(request.target, 500) + " from " + request.address + ": " +
+                 Readable(reason, 300));
 }
 
 void LogIndexingFailure(const std::string& reason) {
-  std::fputs(("phonebook: changed contacts are not indexed: " + reason + "\n").c_str(), stderr);
+  phonebook::Log(Severity::kError, "changed contacts are not indexed: " + reason);
 }
 
 }  // namespace
@@ -94,13 +102,14 @@ Server::Server(const std::string& database, ServerOptions theOptions)
       http({[this](Request request, ResponseCallback done) {
               Serve(std::move(request), std::move(done));
             },
-            [this](const Request& request, int status) {
-              return Refuse(request, status, StatusFactsOf(status).reason);
+            [this](const Request& request, int status, const std::string& cause) {
+              return Refuse(request, status, StatusFactsOf(status).reason, cause);
             }},
            {options.maxConnections}),
       workers(database, options.databaseConnections) {
   http.CallEvery(std::chrono::milliseconds(20), [this] { workers.ExpireOverdue(); });
   http.CallEvery(std::chrono::milliseconds(300), [this] { IndexPending(); });
+  http.CallEvery(std::chrono::seconds(1), LogOmitted);
 }
 
 std::string Server::Listen() {
@@ -109,7 +118,9 @@ std::string Server::Listen() {
   const std::string& given = options.address;
   const std::string address = given == "0.0.0.0" ? "127.0.0.1" : given == "::" ? "::1" : given;
   const bool isIPv6 = address.find(':') != address.npos;
-  ownHost = (isIPv6 ? "[" + address + "]" : address) + ":" + std::to_string(options.port);
+  const std::string name = isIPv6 ? "[" + address + "]" : address;
+  ownHost =
+      (options.hosts.empty() ? name : options.hosts.front()) + ":" + std::to_string(options.port);
   return ownHost;
 }
 
@@ -130,13 +141,14 @@ void Server::Serve(Request request, ResponseCallback done) {
     done(std::move(*response));
     return;
   }
+  const std::string client = request.client;
   workers.Submit({[query = std::get<Query>(std::move(result))](Store& store) {
                     return MakeResponse(200, *query(store));
                   },
                   [this, request = std::move(request)](const std::exception_ptr& error) {
                     return Fail(request, error);
                   },
-                  std::move(done)});
+                  std::move(done), client});
 }
 
 // Returns the response, or the query that it takes.
@@ -146,8 +158,10 @@ std::variant<Response, Server::Query> Server::Dispatch(const Request& request) c
   }
   ParsedRequest parsed = Parse(request);
   if (!parsed.target) throw HTTPError(400, StatusFactsOf(400).reason);
+  if (!parsed.isOwnHost) throw HTTPError(421, StatusFactsOf(421).reason);
   const auto asset = preview.find(parsed.target->path);
   if (asset != preview.end()) return asset->second;
+  if (request.isCrossSite) throw HTTPError(403, StatusFactsOf(403).reason);
   if (!parsed.maker) {
     if (!IsPage(parsed.target->segments)) throw HTTPError(404, kNoPage);
     return MakeResponse(200, kPlainText, Addresses(parsed.base));
@@ -187,11 +201,12 @@ Response Server::Refuse(const Request& request, int status, const std::string& r
 }
 
 Server::ParsedRequest Server::Parse(const Request& request) const {
-  ParsedRequest parsed{{}, options.baseURL, ParseRequestTarget(request.target)};
+  ParsedRequest parsed{{}, options.baseURL, true, ParseRequestTarget(request.target)};
+  const bool isAbsolute = parsed.target && !parsed.target->host.empty();
+  const std::string& host = isAbsolute ? parsed.target->host : request.host;
+  parsed.isOwnHost = IsOwnHost(host);
   if (parsed.base.empty()) {
-    const bool isAbsolute = parsed.target && !parsed.target->host.empty();
-    const std::string& host = isAbsolute ? parsed.target->host : request.host;
-    parsed.base = "http://" + (IsHost(host) ? host : ownHost);
+    parsed.base = "http://" + (parsed.isOwnHost && !host.empty() ? host : ownHost);
   }
   if (parsed.target && !parsed.target->segments.empty()) {
     auto& segments = parsed.target->segments;
@@ -200,6 +215,13 @@ Server::ParsedRequest Server::Parse(const Request& request) const {
   }
   if (!parsed.maker) parsed.maker = teleform::screens::MakerOfUserAgent(request.userAgent);
   return parsed;
+}
+
+// Whether the server answers requests to a host. HTTP/1.0 doesn't always name one.
+bool Server::IsOwnHost(const std::string& host) const {
+  const auto& hosts = options.hosts;
+  return hosts.empty() || host.empty() ||
+         std::find(hosts.begin(), hosts.end(), HostNameOf(host)) != hosts.end();
 }
 
 // Indexes what other programs have written, and goes on while contacts are pending.

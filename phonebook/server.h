@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "phonebook/failure_report.h"
 #include "phonebook/http_server.h"
@@ -25,6 +26,7 @@ struct ServerOptions {
   std::size_t maxConnections = 20000;
   std::size_t databaseConnections = 8;
   std::string baseURL;  ///< What links begin with; by default the Host field of the request.
+  std::vector<std::string> hosts;  ///< As `HostNameOf` returns them; if any, no others are served.
 };
 
 /// Serves documents to phones, and the preview to browsers.
@@ -51,6 +53,7 @@ class Server {
   struct ParsedRequest {
     std::optional<Maker> maker;
     std::string base;
+    bool isOwnHost = true;
     std::optional<RequestTarget> target;  // whose segments are those behind the maker's
   };
 
@@ -60,6 +63,7 @@ class Server {
   Response Refuse(const Request& request, int status, const std::string& reason,
                   const std::string& cause = "") const;
   ParsedRequest Parse(const Request& request) const;
+  bool IsOwnHost(const std::string& host) const;
   void IndexPending();
 
   ServerOptions options;

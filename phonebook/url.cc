@@ -1,5 +1,6 @@
 #include "phonebook/url.h"
 
+#include <arpa/inet.h>
 #include <teleform/screens/escape.h>
 #include <uriparser/Uri.h>
 
@@ -12,7 +13,54 @@ namespace phonebook {
 
 namespace {
 
+constexpr const char* kDigits = "0123456789";
+
 std::string TextOf(const UriTextRangeA& range) { return {range.first, range.afterLast}; }
+
+std::string Lowercase(std::string text) {
+  for (char& character : text) {
+    if (character >= 'A' && character <= 'Z') character += 'a' - 'A';
+  }
+  return text;
+}
+
+// Whether the rest of `host` is nothing or a colon and possibly a port.
+bool IsPort(const std::string& host, std::size_t at) {
+  if (at == host.size()) return true;
+  const std::string port = host.substr(at + 1);
+  return host[at] == ':' && port.find_first_not_of(kDigits) == port.npos && port.size() <= 5 &&
+         (port.empty() || std::stoi(port) <= 65535);
+}
+
+// Whether a lowercase text is a host name as DNS defines it, or an IPv4 address.
+bool IsHostName(const std::string& name) {
+  constexpr std::size_t kMaxName = 253;
+  constexpr std::size_t kMaxLabel = 63;
+  std::size_t begin = 0;
+  for (std::size_t end = 0; end < name.size(); begin = end + 1) {
+    end = std::min(name.find('.', begin), name.size());
+    const std::size_t size = end - begin;
+    if (size == 0 || size > kMaxLabel || name[begin] == '-' || name[end - 1] == '-') return false;
+  }
+  if (begin != name.size() + 1 || name.size() > kMaxName ||
+      name.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-.") != name.npos) {
+    return false;
+  }
+  const std::size_t last = name.rfind('.') + 1;  // 0 if there is no dot
+  in_addr address{};
+  return name.find_first_not_of(kDigits, last) != name.npos ||
+         inet_pton(AF_INET, name.c_str(), &address) == 1;
+}
+
+std::optional<std::string> NormalizeIPv6(const std::string& text) {
+  in6_addr address{};
+  char normalized[INET6_ADDRSTRLEN];
+  if (text.find('\0') != text.npos || inet_pton(AF_INET6, text.c_str(), &address) != 1 ||
+      inet_ntop(AF_INET6, &address, normalized, sizeof normalized) == nullptr) {
+    return std::nullopt;
+  }
+  return "[" + std::string(normalized) + "]";
+}
 
 // A parsed URL, which refers to the text that it was parsed from.
 class URL {
@@ -88,13 +136,6 @@ class URL {
     return uri.portText.first != nullptr ? uri.portText.afterLast
                                          : uri.hostText.afterLast + (IsBracketed() ? 1 : 0);
   }
-  static std::string Lowercase(std::string text) {
-    for (char& character : text) {
-      if (character >= 'A' && character <= 'Z') character += 'a' - 'A';
-    }
-    return text;
-  }
-
   UriUriA uri{};
   const char* end;
   bool isValid;
@@ -118,14 +159,19 @@ std::optional<RequestTarget> ParseRequestTarget(const std::string& target) {
   const bool isAbsolute = target.empty() || target.front() != '/';
   const std::string text = (isAbsolute ? "" : "http://host") + Encoded(target, isAbsolute);
   const URL url(text);
-  if (!url.IsHTTP()) return std::nullopt;
+  if (!url.IsHTTP() || (isAbsolute && !HostNameOf(url.Authority()))) return std::nullopt;
   return RequestTarget{isAbsolute ? url.Authority() : "", url.Path(), url.Segments(), url.Params()};
 }
 
-bool IsHost(const std::string& host) {
-  const std::string text = "http://" + host;
-  const URL url(text);
-  return url.IsHTTP() && url.Authority() == host;
+std::optional<std::string> HostNameOf(const std::string& host) {
+  const std::size_t end =
+      std::min(host.size(), !host.empty() && host.front() == '[' ? host.find(']') : host.find(':'));
+  if (end < host.size() && host[end] == ']') {
+    return IsPort(host, end + 1) ? NormalizeIPv6(host.substr(1, end - 1)) : std::nullopt;
+  }
+  std::string name = Lowercase(host.substr(0, end));
+  if (!name.empty() && name.back() == '.') name.pop_back();
+  return IsPort(host, end) && IsHostName(name) ? std::optional(name) : std::nullopt;
 }
 
 std::optional<std::string> NormalizeBaseURL(const std::string& text) {

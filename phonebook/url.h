@@ -24,8 +24,10 @@ struct RequestTarget {
 /// @return nothing when the target has another form or is malformed.
 std::optional<RequestTarget> ParseRequestTarget(const std::string& target);
 
-/// Whether `host` is a host name or IP address, with or without a port.
-bool IsHost(const std::string& host);
+/// The name in a Host field: a host name or IP address, without the port, in lowercase and in one
+/// spelling.
+/// @return nothing when `host` is malformed.
+std::optional<std::string> HostNameOf(const std::string& host);
 
 /// The URL of a server without slashes at its end, so that paths can follow.
 /// @return nothing unless it is an HTTP(S) URL of a host and possibly a path.

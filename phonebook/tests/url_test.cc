@@ -44,19 +44,33 @@ TEST(URL, ParsesRequestTargets) {
     EXPECT_EQ(parsed->segments, expected.segments) << target;
     EXPECT_EQ(parsed->params, expected.params) << target;
   }
-  for (const char* target : {"", "*", "snom/", "a:80", "ftp://a/", "http:///snom", "http://a:b/"}) {
+  for (const char* target :
+       {"", "*", "snom/", "a:80", "ftp://a/", "http:///snom", "http://a:b/", "http://a_b/"}) {
     EXPECT_FALSE(ParseRequestTarget(target)) << target;
   }
 }
 
-TEST(URL, TellsHosts) {
-  for (const char* host : {"a", "phone_book.example:8080", "127.0.0.1", "[::1]:80", "a:"}) {
-    EXPECT_TRUE(IsHost(host)) << host;
+TEST(URL, TellsHostNames) {
+  const std::string longest(63, 'a');
+  const std::map<std::string, std::string> expected = {
+      {"a", "a"},
+      {"Phone-Book.EXAMPLE.:8080", "phone-book.example"},
+      {"127.0.0.1", "127.0.0.1"},
+      {"4a.5b", "4a.5b"},
+      {"[0:0::1]:80", "[::1]"},
+      {"a:", "a"},
+      {longest, longest},
+  };
+  for (const auto& [host, name] : expected) EXPECT_EQ(HostNameOf(host), name);
+  for (const char* host :
+       {"",        ":80",     "a/b",   "a?b",       "a#b",      "a@b",  "a\"<b", "a b",
+        "a:b",     "a:65536", "a:1:2", "a:000080",  "[::1",     "[",    "[]",    "[::g]",
+        "[::1]80", "::1",     "]:[",   "\xc3\xa5",  "a_b",      "a..b", ".",     ".a",
+        "-a",      "a-.b",    "1.2.3", "1.2.3.256", "1.2.3.4.5"}) {
+    EXPECT_FALSE(HostNameOf(host)) << host;
   }
-  for (const char* host : {"", ":80", "a/b", "a?b", "a#b", "a@b", "a\"<b", "a b", "a:b", "a:65536",
-                           "a:1:2", "[::1", "::1", "\xc3\xa5"}) {
-    EXPECT_FALSE(IsHost(host)) << host;
-  }
+  EXPECT_FALSE(HostNameOf(longest + "a"));
+  EXPECT_FALSE(HostNameOf(longest + "." + longest + "." + longest + "." + longest));
 }
 
 TEST(URL, NormalizesBaseURLs) {
