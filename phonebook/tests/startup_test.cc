@@ -66,8 +66,7 @@ TEST_P(PhoneBook, LeavesNothingBehindWhenTheImportIsStopped) {
   }));
   EXPECT_FALSE(fs::exists(database));
   EXPECT_EQ(WEXITSTATUS(server.Stop()), 1);
-  EXPECT_TRUE(server.IsLogged("stopped; the database is unchanged
-"));
+  EXPECT_TRUE(server.IsLogged("stopped; the database is unchanged\n"));
   EXPECT_EQ(FilesBeside(database), 0);
   EXPECT_EQ(ParsedPage(Serve()->Get("/snom/directory").text).First("//Name"), "Adebayo, Folasade");
 }
@@ -116,7 +115,7 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
   const std::vector<Case> cases = {
       {{}, "other tables than a phone book", other},
       {{}, "No such file", directory.path / "no" / "such.db"},
-      {{}, "phonebook: database disk image is malformed", damaged},
+      {{}, "error: database disk image is malformed", damaged},
       {{}, "not a database", file("text", "no database at all, but some text")},
       {{"--contacts", file("latin.tsv", "A\t1\t\nGr\xfc\xdf\t2\t\n")}, "latin.tsv:2: this is not"},
       {{"--contacts", file("short.tsv", "# A\n\nB\t1\n")}, "short.tsv:3: expected"},
