@@ -186,7 +186,9 @@ Request HTTPConnection::Described() const {
 }
 
 void HTTPConnection::Write(Response response) {
-  if (response.body.size() + owner.unsent > owner.limits.maxUnsent) {
+  const auto& limits = owner.limits;
+  const std::size_t size = response.body.size();
+  if (size + owner.unsent > (size > limits.maxSmall ? limits.maxUnsent / 2 : limits.maxUnsent)) {
     isKeptAlive = false;
     response = owner.handlers.refuse(Described(), 503, "too many responses are unsent");
   }

@@ -81,6 +81,10 @@ int HTTPServer::Implementation::Listen(const std::string& address, int port) {
   const tcp::endpoint endpoint(ip, static_cast<std::uint16_t>(port));
   if (!error) acceptor.open(endpoint.protocol(), error);
   if (!error) acceptor.set_option(tcp::acceptor::reuse_address(true), error);
+  // Its connections inherit it. Without it the kernel holds megabytes for a client that reads
+  // nothing.
+  const tcp::acceptor::send_buffer_size sendBuffer(static_cast<int>(limits.sendBuffer));
+  if (!error) acceptor.set_option(sendBuffer, error);
   if (!error) acceptor.bind(endpoint, error);
   if (!error) acceptor.listen(asio::socket_base::max_listen_connections, error);
   if (error) {

@@ -14,11 +14,13 @@ namespace phonebook {
 
 /// What a client may cost.
 struct HTTPLimits {
-  std::size_t maxConnections = 20000;       ///< Further clients wait to be accepted.
-  std::size_t maxHeader = 16384;            ///< In bytes, including the request line.
-  std::size_t maxTarget = 8192;             ///< In bytes.
-  std::size_t maxBody = 8192;               ///< In bytes; a body is discarded.
-  std::size_t maxUnsent = 32 << 20;         ///< In bytes, of all responses being written.
+  std::size_t maxConnections = 20000;  ///< Further clients wait to be accepted.
+  std::size_t maxHeader = 16384;       ///< In bytes, including the request line.
+  std::size_t maxTarget = 8192;        ///< In bytes.
+  std::size_t maxBody = 8192;          ///< In bytes; a body is discarded.
+  std::size_t maxUnsent = 64 << 20;    ///< In bytes, of all responses being written.
+  std::size_t maxSmall = 16384;    ///< In bytes; larger responses take half of `maxUnsent` at most.
+  std::size_t sendBuffer = 32768;  ///< The kernel's, of a connection.
   std::chrono::seconds requestTimeout{5};   ///< For a whole request, from its first byte.
   std::chrono::seconds responseTimeout{5};  ///< For the client to take a response.
   std::chrono::seconds idleTimeout{60};     ///< Between requests.

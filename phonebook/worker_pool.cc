@@ -1,7 +1,6 @@
 #include "phonebook/worker_pool.h"
 
 #include <algorithm>
-#include <system_error>
 #include <utility>
 
 namespace phonebook {
@@ -22,9 +21,9 @@ WorkerPool::WorkerPool(const std::string& database, std::size_t size) : running(
     for (auto& worker : workers) {
       worker.thread = std::thread([this, &worker] { Work(worker); });
     }
-  } catch (const std::system_error& error) {
+  } catch (...) {
     Join();
-    throw std::system_error(error.code(), "can't create a thread");
+    throw;
   }
 }
 

@@ -178,7 +178,8 @@ TEST_P(PhoneBookOnSQLite, ServesBesideIdleAndDrippingConnections) {
 TEST(HTTPServer, BoundsUnsentResponses) {
   const std::string page(1000, 'x');
   HTTPLimits limits;
-  limits.maxUnsent = 1500;
+  limits.maxUnsent = 3000;
+  limits.maxSmall = 900;
   std::size_t size = 1;  // of the next response, in pages
   HTTPServer server({[&](const Request&, const ResponseCallback& done) {
                        std::string body;
@@ -200,6 +201,8 @@ TEST(HTTPServer, BoundsUnsentResponses) {
   EXPECT_EQ(get(), 200);  // the first one is sent
   size = 2;
   EXPECT_EQ(get(), 503);
+  size = 0;
+  EXPECT_EQ(get(), 200);
   server.Stop();
   thread.join();
 }
