@@ -16,8 +16,8 @@ namespace phonebook {
 namespace {
 
 // What a search looks at. A statement over so many rows takes some milliseconds.
-constexpr int kMaxContacts = 4000;      // in the order of their names
-constexpr std::size_t kMaxKeys = 6000;  // search keys, of all words of a search together
+constexpr int kMaxContacts = 3000;      // in the order of their names
+constexpr std::size_t kMaxKeys = 5000;  // search keys, of all words of a search together
 
 constexpr long long kBeforeAll = std::numeric_limits<long long>::min();  // the ids of contacts
 
@@ -28,6 +28,28 @@ std::string Beyond(bool isForward, const std::string& columns, const std::string
 std::string Ordered(bool isForward, const std::string& collationKey, const std::string& id) {
   const std::string direction = isForward ? "" : " DESC";
   return " ORDER BY " + collationKey + direction + ", " + id + direction;
+}
+
+// The collation keys from which a query lists contacts: that of the cursor, and whichever is
+// farther of it and the bound of a prefix, as an index can begin with one only. A contact at the
+// cursor counts where it is now, wherever indexing has moved it meanwhile.
+struct Positions {
+  std::string cursor, farther;
+};
+Positions PositionsOf(const Dialect& dialect, bool isForward, bool isAtContact) {
+  const std::string cursor = ":collation_key";
+  const std::string bound = isForward ? ", :from)" : ", :to)";
+  const std::string ofContact = " FROM contacts WHERE id = :contact)";
+  if (dialect.isPostgreSQL) {  // which would plan an aggregate anew for each query
+    const std::string key =
+        isAtContact ? "COALESCE((SELECT collation_key" + ofContact + ", " + cursor + ")" : cursor;
+    return {key, (isForward ? "GREATEST(" : "LEAST(") + key + bound};
+  }
+  const std::string farther = isForward ? "max(" : "min(";
+  if (!isAtContact) return {cursor, farther + cursor + bound};
+  // SQLite would look up the contact twice if this were not one subquery.
+  const std::string key = "COALESCE(max(collation_key), " + cursor + ")";
+  return {"(SELECT " + key + ofContact, "(SELECT " + farther + key + bound + ofContact};
 }
 
 // A column as far as pages show it.
@@ -74,9 +96,7 @@ class Queries::ListQuery {
     use(to, "to");
     use(collationKey, "collation_key");
     use(id, "id");
-    if (sql.find(":contact") != sql.npos) {
-      statement.exchange(soci::use(contact, isContact, "contact"));
-    }
+    use(contact, "contact");
     for (std::size_t i = 0; i < words.size(); ++i) use(words[i], "word" + std::to_string(i));
     use(limit, "limit");
     Prepare(statement, sql);
@@ -92,7 +112,6 @@ class Queries::ListQuery {
     collationKey = cursor.collationKey;
     id = cursor.id.value_or(kBeforeAll);
     contact = id;
-    isContact = cursor.id ? soci::i_ok : soci::i_null;
     for (std::size_t i = 0; i < words.size(); ++i) {
       words[i] = i < theWords.size() ? kWordMark + theWords[i] : "";
     }
@@ -115,7 +134,6 @@ class Queries::ListQuery {
   std::string from, to, collationKey;
   std::array<std::string, Selection::kMaxWords> words;
   long long id = 0, contact = 0;
-  soci::indicator isContact = soci::i_null;
   int limit = 0;
 };
 
@@ -178,16 +196,20 @@ Queries::~Queries() = default;
 void Queries::RunAll() {
   const std::string afterAll = EndOfPrefix("");
   for (const Query query : {kByName, kNext, kByNameAndWords, kLastOfMany, kByWord, kWordCount}) {
-    for (const bool isForward : {false, true}) List(query, afterAll, {}, {isForward}, 1);
+    for (const bool isForward : {false, true}) {
+      List(query, afterAll, {}, {isForward}, 1);
+      List(query, afterAll, {}, {isForward, afterAll, kBeforeAll}, 1);
+    }
   }
   FindContact(kBeforeAll);
   FindNotice("");
 }
 
-Queries::ListQuery& Queries::Prepared(Query query, bool isForward) {
-  auto& list = lists[query][isForward ? 1 : 0];
+Queries::ListQuery& Queries::Prepared(Query query, bool isForward, bool isAtContact) {
+  auto& list = lists[query][isForward ? 1 : 0][isAtContact ? 1 : 0];
   const bool hasKey = query != kByName && query != kWordCount;
-  if (!list) list = std::make_unique<ListQuery>(session, SQLOf(query, isForward), hasKey);
+  if (!list)
+    list = std::make_unique<ListQuery>(session, SQLOf(query, isForward, isAtContact), hasKey);
   return *list;
 }
 
@@ -201,24 +223,20 @@ Queries::NoticeQuery& Queries::PreparedNoticeQuery() {
   return *notice;
 }
 
-std::string Queries::SQLOf(Query query, bool isForward) const {
+std::string Queries::SQLOf(Query query, bool isForward, bool isAtContact) const {
   std::string hasWords;
   for (std::size_t i = 0; i < Selection::kMaxWords; ++i) {
     hasWords += " AND " + dialect.position + "(all_keys, :word" + std::to_string(i) + ") > 0";
   }
-  // The position is that of the contact at it, wherever indexing has moved it meanwhile, and no
-  // further away than the prefix: an index can begin with one.
-  const std::string position =
-      "COALESCE((SELECT collation_key FROM contacts WHERE id = :contact), :collation_key)";
-  const std::string nearest = std::string(dialect.isPostgreSQL ? (isForward ? "GREATEST" : "LEAST")
-                                                               : (isForward ? "max" : "min")) +
-                              "(" + position + (isForward ? ", :from)" : ", :to)");
+  const auto [position, farther] = PositionsOf(dialect, isForward, isAtContact);
   const std::string ordered = Ordered(isForward, "collation_key", "id");
   const std::string ofContacts =
-      " FROM contacts WHERE " + Beyond(isForward, "collation_key, id", nearest) +
+      " FROM contacts WHERE " + Beyond(isForward, "collation_key, id", farther) +
       (isForward ? " AND collation_key < :to" : " AND collation_key >= :from") + ordered;
   const std::string ofSearchKeys = " FROM search_keys WHERE key >= :from AND key < :to";
-  const std::string shown = Shown("name") + ", " + Shown("telephone");
+  // SQLite would load a whole text to cut it, and takes a sixth longer for a page then.
+  const std::string shown =
+      dialect.isPostgreSQL ? Shown("name") + ", " + Shown("telephone") : "name, telephone";
   const std::string many = std::to_string(kMaxContacts);
   switch (query) {
     case kByName:  // whose collation keys have the prefix, whatever their words
@@ -231,8 +249,8 @@ std::string Queries::SQLOf(Query query, bool isForward) const {
              ofContacts + " LIMIT " + many + ") c WHERE TRUE" + hasWords + ordered +
              " LIMIT :limit";
     case kLastOfMany:  // the last one that kByNameAndWords looks at, if there are so many
-      return "SELECT id, " + shown + ", collation_key" + ofContacts + " LIMIT 1 OFFSET " +
-             std::to_string(kMaxContacts - 1);
+      return "SELECT id, " + shown + ", collation_key FROM contacts WHERE id = (SELECT id" +
+             ofContacts + " LIMIT 1 OFFSET " + std::to_string(kMaxContacts - 1) + ")";
     case kByWord:  // that have the words, and a search key with the prefix
       return "SELECT id, " + shown + ", collation_key FROM (SELECT DISTINCT collation_key AS " +
              "place, contact" + ofSearchKeys + " AND " +
@@ -249,7 +267,7 @@ std::string Queries::SQLOf(Query query, bool isForward) const {
 std::vector<ListedContact> Queries::List(Query query, const std::string& prefix,
                                          const std::vector<std::string>& words,
                                          const Cursor& cursor, std::size_t size) {
-  return Prepared(query, cursor.isForward).Run(prefix, words, cursor, size);
+  return Prepared(query, cursor.isForward, cursor.id.has_value()).Run(prefix, words, cursor, size);
 }
 
 std::vector<ListedContact> Queries::ListByName(const std::string& prefix, const Cursor& cursor,

@@ -58,8 +58,8 @@ class Queries {
   class ContactQuery;
   class NoticeQuery;
 
-  std::string SQLOf(Query query, bool isForward) const;
-  ListQuery& Prepared(Query query, bool isForward);
+  std::string SQLOf(Query query, bool isForward, bool isAtContact) const;
+  ListQuery& Prepared(Query query, bool isForward, bool isAtContact);
   ContactQuery& PreparedContactQuery();
   NoticeQuery& PreparedNoticeQuery();
   std::vector<ListedContact> List(Query query, const std::string& prefix,
@@ -71,7 +71,7 @@ class Queries {
 
   soci::session& session;
   const Dialect& dialect;
-  std::array<std::array<std::unique_ptr<ListQuery>, 2>, kQueries> lists;
+  std::array<std::array<std::array<std::unique_ptr<ListQuery>, 2>, 2>, kQueries> lists;
   std::unique_ptr<ContactQuery> contact;
   std::unique_ptr<NoticeQuery> notice;
 };
