@@ -36,7 +36,7 @@ TEST_P(PhoneBook, RecoversWithTheDatabase) {
       EXPECT_EQ(ParsedPage(response.text).First("/*/Title"), "Please try again");
     }
     EXPECT_EQ(server->Get("/aastra/").status, 200);  // needs no database
-    EXPECT_TRUE(server->IsLogged("503 GET /snom/contact/1"));
+    EXPECT_TRUE(Eventually([&] { return server->IsLogged("503 GET /snom/contact/1"); }));
     RestoreDatabase();
   }
   for (int round = 0; round < 2; ++round) {  // the second on connections that have died meanwhile
