@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <future>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -66,6 +67,9 @@ const Texts kPostgreSQLVersion1 = {
     "CREATE TRIGGER contacts_truncated AFTER TRUNCATE ON contacts"
     " EXECUTE FUNCTION contacts_truncated()"};
 
+// The columns of each version. Those of a released version never change.
+const Texts kColumnsOfVersions = {"name, telephone, department", "name, telephone, department"};
+
 class Schema : public PhoneBook {
  protected:
   // Two contacts, the second of which is indexed, and what is left of a third.
@@ -86,6 +90,19 @@ class Schema : public PhoneBook {
     *session << "INSERT INTO words (word, sort_key, contact, words) VALUES ('k', 's', 5, '\x01k')";
     *session << "INSERT INTO removed (contact, sort_key, words) VALUES (5, 's', '\x01k')";
     *session << "INSERT INTO notices (name, text) VALUES ('message', 'Kept')";
+  }
+
+  void CreateVersion(int version) const {
+    CreateVersion1();
+    if (version == 1) return;
+    const auto session = Connect();
+    for (const auto& rename : DialectOf(database).renames) *session << rename;
+    *session << "CREATE TABLE schema_version (version INTEGER NOT NULL)";
+    *session << "INSERT INTO schema_version VALUES (" << version << ")";
+    for (const auto& column : kColumns) {
+      if (column.since == 1 || column.since > version) continue;
+      *session << "ALTER TABLE contacts ADD COLUMN " << column.name << " TEXT NOT NULL DEFAULT ''";
+    }
   }
 
   // Opens the database. Returns why that is refused; nothing if it is not.
@@ -118,28 +135,59 @@ class Schema : public PhoneBook {
   }
 };
 
-TEST_P(Schema, IsUpgradedOnceByServersStartedTogether) {
-  CreateVersion1();
-  std::vector<std::future<std::string>> refusals(4);
-  for (auto& refusal : refusals) {
-    refusal = std::async(std::launch::async, [this] { return Refusal(); });
+TEST(SchemaVersions, KeepTheirColumns) {
+  ASSERT_EQ(kColumnsOfVersions.size(), static_cast<std::size_t>(kSchemaVersion));
+  for (int version = 1; version <= kSchemaVersion; ++version) {
+    std::string names;
+    for (const auto& column : kColumns) {
+      if (column.since <= version) names += (names.empty() ? "" : ", ") + std::string(column.name);
+    }
+    EXPECT_EQ(names, kColumnsOfVersions.at(static_cast<std::size_t>(version - 1))) << version;
   }
-  for (auto& refusal : refusals) EXPECT_EQ(refusal.get(), "");
-  Store store(database);
-  EXPECT_EQ(Find(store, ""), (std::vector<long long>{7, 3}));
-  EXPECT_EQ(Find(store, "be"), std::vector<long long>{3});
-  EXPECT_EQ(store.FindContact(7)->telephone, "17");
-  EXPECT_EQ(store.FindNotice("message"), "Kept");
-  EXPECT_EQ(Count("search_keys") + Count("removed_contacts"), 0);
+  EXPECT_NE(ContentOf(DOCUMENTATION).find("contacts (id, " + ColumnNames() + ")"),
+            std::string::npos);
+}
 
-  for (const char* change : {"UPDATE contacts SET department = 'Sales' WHERE id = 3",
-                             "UPDATE contacts SET id = 4 WHERE id = 3"}) {
-    *Connect() << change;
+TEST_P(Schema, IsImportedAndFoundByColumns) {
+  std::string line;
+  for (const auto& column : kColumns) line += (line.empty() ? "" : "\t") + std::string(column.name);
+  std::istringstream file(line);
+  Store store(database);
+  EXPECT_TRUE(store.CreateOrOpen(ReadContacts(file, line), [](auto, auto) { return true; }));
+  const auto contact = store.FindContact(1);
+  ASSERT_TRUE(contact);
+  for (const auto& column : kColumns) {
+    EXPECT_EQ(*contact.*column.field, column.name);
+    EXPECT_EQ(Find(store, column.name).size(), column.isSearched ? 1U : 0U) << column.name;
   }
-  EXPECT_EQ(Find(store, "sal ben"), std::vector<long long>{4});
-  *Connect() << "DELETE FROM contacts WHERE id = 4";
-  EXPECT_EQ(Find(store, "sal"), std::vector<long long>{});
-  EXPECT_EQ(Count("search_keys"), 0);
+}
+
+TEST_P(Schema, IsUpgradedOnceByServersStartedTogether) {
+  for (int version = 1; version < kSchemaVersion; ++version) {
+    fs::remove(database);
+    SetUp();
+    CreateVersion(version);
+    std::vector<std::future<std::string>> refusals(4);
+    for (auto& refusal : refusals) {
+      refusal = std::async(std::launch::async, [this] { return Refusal(); });
+    }
+    for (auto& refusal : refusals) EXPECT_EQ(refusal.get(), "");
+    Store store(database);
+    EXPECT_EQ(Find(store, ""), (std::vector<long long>{7, 3}));
+    EXPECT_EQ(Find(store, "be"), std::vector<long long>{3});
+    EXPECT_EQ(store.FindContact(7)->telephone, "17");
+    EXPECT_EQ(store.FindNotice("message"), "Kept");
+    EXPECT_EQ(Count("search_keys") + Count("removed_contacts"), 0);
+
+    for (const char* change : {"UPDATE contacts SET department = 'Sales' WHERE id = 3",
+                               "UPDATE contacts SET id = 4 WHERE id = 3"}) {
+      *Connect() << change;
+    }
+    EXPECT_EQ(Find(store, "sal ben"), std::vector<long long>{4});
+    *Connect() << "DELETE FROM contacts WHERE id = 4";
+    EXPECT_EQ(Find(store, "sal"), std::vector<long long>{});
+    EXPECT_EQ(Count("search_keys"), 0);
+  }
 }
 
 TEST_P(Schema, StaysAsItWasWhenAnUpgradeFails) {
