@@ -1,4 +1,6 @@
 // The pages of the phone book, for phones of every maker.
+#include "phonebook/pages.h"
+
 #include <gtest/gtest.h>
 #include <soci/soci.h>
 
@@ -94,6 +96,16 @@ void WalkAll(const ServerProcess& server, soci::session& session) {
   }
 }
 
+TEST(Pages, AreTestedAndDocumented) {
+  const std::string documentation = ContentOf(DOCUMENTATION);
+  for (const auto& page : AllPages()) {
+    EXPECT_EQ(std::count(kPages.begin(), kPages.end(), page.path), 1) << page.path;
+    const std::string row = "| `/" + page.path.substr(0, page.path.find('1'));
+    EXPECT_NE(documentation.find(row), std::string::npos) << row;
+  }
+  for (const auto& maker : kMakers) EXPECT_EQ(maker.roots.size(), kPages.size()) << maker.path;
+}
+
 TEST_P(PhoneBook, ComposesTheNearestDocumentOfEachMaker) {
   const auto server = Serve();
   std::set<std::string> keys;
@@ -101,11 +113,11 @@ TEST_P(PhoneBook, ComposesTheNearestDocumentOfEachMaker) {
     for (std::size_t page = 0; page < kPages.size(); ++page) {
       const std::string path = "/" + maker.path + "/" + kPages[page];
       const ParsedPage found(server->Get(path).text);
-      EXPECT_EQ(found.Root(), maker.roots[page]) << path;
+      EXPECT_EQ(found.Root(), maker.roots.at(page)) << path;
       const Texts own = found.Find("//SoftKey[starts-with(URI, 'Soft')] | //SoftKeyItem/Name");
       keys.insert(own.begin(), own.end());
       EXPECT_EQ(ParsedPage(server->Get("/" + kPages[page], maker.userAgent).text).Root(),
-                maker.roots[page])
+                maker.roots.at(page))
           << maker.userAgent;
     }
     EXPECT_EQ(ParsedPage(server->Get("/cisco/", maker.userAgent).text).Root(),

@@ -6,12 +6,13 @@ import axe from 'axe-core';
 import {chromium} from 'playwright-core';
 
 const {PHONEBOOK: server, SCREENSHOTS: screenshots} = process.env;
-const {makers} = await (await fetch(`${server}/preview/choices.json`)).json();
+const {makers, pages: offered} = await (await fetch(`${server}/preview/choices.json`)).json();
 const pages = [['Home', '', /Directory.*Search/], ['Search', 'search', /Name or dep|AB/],
                ['Directory', 'directory', /Ångström/], ['Search', 'search?name=an', /D'Angelo/],
                ['Contact', 'contact/8', /\+49 30/], ['Contact', 'contact/999', /not in the/],
                ['Message', 'message', /soup & bread/], ['Alert', 'status', /Fire drill/],
                ['Dial', 'dial/8', /D'Angelo|1008/]];
+assert.deepEqual(new Set(pages.map(([tab]) => tab)), new Set(offered.map(({title}) => title)));
 const views = [[1180, 'light'], [1180, 'dark'], [390, 'dark'], [320, 'light']];
 const pictures = {'/aastra/search?name=an 390 dark': 'search',
                   '/aastra/contact/8 390 dark': 'contact'};
