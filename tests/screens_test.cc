@@ -289,6 +289,16 @@ TEST(SoftKeysOfScreens, LeaveTheDocumentAsItIsWhenRefused) {
   EXPECT_THROW(LabelOf(static_cast<SoftKeyRole>(-1)), std::invalid_argument);
 }
 
+TEST(SoftKeysOfScreens, AreAddedToEveryDocumentThatWritesThem) {
+  for (const auto& documentClass : kDocumentClasses) {
+    const auto document = documentClass.make({"", 1, "", false});
+    const std::string text = documentClass.documentTemplate;
+    const bool writesKeys = text.find("{keys}") != text.npos;
+    EXPECT_EQ(HasSoftKeys(*document), writesKeys) << documentClass.name;
+    EXPECT_EQ(AddSoftKey(*document, SoftKeyRole::kHome, "uri"), writesKeys) << documentClass.name;
+  }
+}
+
 // == Escaping ==
 
 TEST(Escape, TakesAnyBytes) {
