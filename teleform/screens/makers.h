@@ -14,7 +14,7 @@
 
 namespace teleform::screens {
 
-/// The makers, in the order of their names.
+/// The makers. A new one comes last, because the values are part of the binary interface.
 enum class Maker : int { kAastra, kCisco, kPolycom, kSnom, kYealink };
 
 /// What a server must know of a maker's phones.
