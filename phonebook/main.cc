@@ -117,21 +117,20 @@ void AddOptions(CLI::App& app, Options& options) {
   app.add_option("--address", options.server.address, "IP address to listen on");
   app.add_option("--port", options.server.port, "port to listen on, 0 for any free port")
       ->check(CLI::Range(0, 65535));
-  app.add_option("--max-connections", options.server.maxConnections,
-                 "connections of phones at the same time")
+  app.add_option("--max-connections", options.server.maxConnections, "open connections of clients")
       ->check(CLI::Range(1, 1000000));
   app.add_option("--database", options.database, "SQLite file, or postgresql://user@host/database");
   app.add_option("--database-connections", options.server.databaseConnections,
                  "connections to the database")
       ->check(CLI::Range(1, 1000));
   app.add_option("--base-url", options.server.baseURL,
-                 "what links begin with; the host of the request if empty")
+                 "beginning of all links; if empty, the host of the request")
       ->transform(CLI::Validator(NormalizeBaseURL, ""));
   app.add_option("--host", options.server.hosts,
                  "host name or IP address that requests may name, repeatable; any if none")
       ->transform(CLI::Validator(NormalizeHost, ""));
   app.add_option("--contacts", options.contacts,
-                 "contacts to import into a new database; samples if empty")
+                 "file to import into a new database; if empty, sample contacts")
       ->check(CLI::ExistingFile);
 }
 
