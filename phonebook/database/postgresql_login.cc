@@ -85,7 +85,8 @@ void PostgreSQLLogin::Open(soci::session& session, const std::string& theURI) {
   uri = theURI;
   const URIParts parts = ParseURI(uri);
   const char* const environment = std::getenv("PGOPTIONS");  // which options in a URI replace
-  const std::string own = parts.options.empty() && environment ? environment : parts.options;
+  const std::string own =
+      parts.options.empty() && environment != nullptr ? environment : parts.options;
   options = std::string(kSettings) + (own.empty() ? "" : " " + own);
   hasUserTimeout = parts.hasUserTimeout;
   password = parts.password;
