@@ -243,13 +243,13 @@ void UpgradeSchema(soci::session& session, const Dialect& dialect, int from) {
   }
   if (from == 1) {
     for (const auto& rename : dialect.renames) session << rename;
+    session << "UPDATE contacts SET is_indexed = FALSE WHERE is_indexed = TRUE";  // by other keys
     CreateVersion(session, dialect);
   }
   for (const auto& column : kColumns) {
     if (column.since > from) session << "ALTER TABLE contacts ADD COLUMN " << Definition(column);
   }
   for (const auto& trigger : dialect.triggers) session << trigger.sql;
-  if (from < 3) session << "UPDATE contacts SET is_indexed = FALSE WHERE is_indexed = TRUE";
   session << "UPDATE schema_version SET version = " << kSchemaVersion;
 }
 

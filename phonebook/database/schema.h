@@ -24,9 +24,8 @@
 
 namespace phonebook {
 
-/// The version that this program creates and reads. The shape without a version is version 1;
-/// version 3 has the shape of version 2 and other search keys.
-constexpr int kSchemaVersion = 3;
+/// The version that this program creates and reads. The shape without a version is version 1.
+constexpr int kSchemaVersion = 2;
 
 /// A column of `contacts` that holds a field of `Contact`.
 struct Column {
