@@ -122,7 +122,8 @@ const std::vector<Sample> kSamples = {
      }},
     {"AastraIPPhoneExecute",
      [](const Contacts& contacts) {
-       return std::make_unique<AastraIPPhoneExecute>("Dial:" + DialString(contacts.front().telephone));
+       return std::make_unique<AastraIPPhoneExecute>("Dial:" +
+                                                     DialString(contacts.front().telephone));
      }},
     {"AastraIPPhoneStatus",
      [](const Contacts& contacts) {

@@ -72,7 +72,7 @@ bool IsInWord(UChar32 character) {
 // The compatible characters of letters, digits and what else has some: Ⅷ is VIII.
 icu::UnicodeString Compatible(const icu::UnicodeString& text) {
   UErrorCode error = U_ZERO_ERROR;
-  const auto compatible = icu::Normalizer2::getNFKCInstance(error)->normalize(text, error);
+  auto compatible = icu::Normalizer2::getNFKCInstance(error)->normalize(text, error);
   ThrowOnFailure(error);
   return compatible;
 }

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <deque>
 #include <list>
 #include <string>
 #include <unordered_map>
@@ -28,7 +27,7 @@ class FairQueue {
 
   /// Takes the first item of the client whose turn it is. The queue must not be empty.
   Item Pop() {
-    const Turn turn = turns.begin();
+    const auto turn = turns.begin();
     Item item = std::move(turn->items.front());
     turn->items.pop_front();
     --size;
@@ -42,8 +41,8 @@ class FairQueue {
   bool PopFromLargest(const std::string& client, Item& item) {
     const auto own = places.find(client);
     std::size_t most = own == places.end() ? 1 : own->second->items.size() + 1;
-    Turn largest = turns.end();
-    for (Turn turn = turns.begin(); turn != turns.end(); ++turn) {
+    auto largest = turns.end();
+    for (auto turn = turns.begin(); turn != turns.end(); ++turn) {
       if (turn->items.size() > most) most = (largest = turn)->items.size();
     }
     if (largest == turns.end()) return false;
@@ -57,8 +56,8 @@ class FairQueue {
   /// Takes the leading items of each client that fulfill `condition`.
   template <typename Condition, typename Take>
   void TakeLeading(Condition condition, Take take) {
-    for (Turn turn = turns.begin(); turn != turns.end();) {
-      const Turn current = turn++;
+    for (auto turn = turns.begin(); turn != turns.end();) {
+      const auto current = turn++;
       while (!current->items.empty() && condition(current->items.front())) {
         take(std::move(current->items.front()));
         current->items.pop_front();
@@ -71,7 +70,7 @@ class FairQueue {
  private:
   struct Waiting {
     std::string client;
-    std::deque<Item> items;
+    std::list<Item> items;  // a deque would allocate half a kilobyte for one item
   };
   using Turn = typename std::list<Waiting>::iterator;
 

@@ -101,7 +101,7 @@ TEST_P(PhoneBook, LooksForCommonWordsInSteps) {
     while (!address.empty() && pages.size() < 9) {
       const ParsedPage page(server->Get(address).text);
       pages.push_back(page.Items());
-      address = page.First(("//*[Label = '" + label + "']/URI").c_str());
+      address = page.First("//*[Label = '" + label + "']/URI");
     }
     return pages;
   };
