@@ -8,25 +8,18 @@
 
 namespace {
 
-template <typename Document, typename... Parameter>
-std::unique_ptr<IPPhoneXML> Make(const Parameter&... parameter) {
+using Given = ConstructorArguments;
+
+// Passes these arguments to the constructor.
+template <typename Document, auto... argument>
+std::unique_ptr<IPPhoneXML> Make(const Given& given) {
   static_assert(!(std::is_copy_constructible_v<Document> || std::is_copy_assignable_v<Document> ||
                   std::is_move_constructible_v<Document> || std::is_move_assignable_v<Document>),
                 "a document can't be copied or moved");
-  return std::make_unique<Document>(parameter...);
+  return std::make_unique<Document>(std::invoke(argument, given)...);
 }
-
 template <typename Document>
-std::unique_ptr<IPPhoneXML> MakeScreen(const ConstructorArguments& arguments) {
-  return Make<Document>(arguments.title);
-}
-
-// For classes whose title is a C string. Passes an empty title as null.
-template <typename Document>
-std::unique_ptr<IPPhoneXML> MakeList(const ConstructorArguments& arguments) {
-  return Make<Document>(arguments.title.empty() ? nullptr : arguments.title.c_str(),
-                        arguments.maxItems);
-}
+constexpr auto MakeList = Make<Document, &Given::CTitle, &Given::maxItems>;
 
 constexpr const char* kMenuItem = R"(<MenuItem>
 <Prompt>{first}</Prompt>
@@ -50,29 +43,26 @@ constexpr const char* kYealinkDirectory = R"(<YealinkIPPhoneDirectory>
 }  // namespace
 
 const std::vector<DocumentClass> kDocumentClasses = {
-    {"AastraIPPhoneTextScreen",
+    {"AastraIPPhoneTextScreen", Make<AastraIPPhoneTextScreen, &Given::title>,
      R"(<AastraIPPhoneTextScreen{destroyOnExit}{beep}>
 <Title>{title}</Title>
 <Text>{textToNul}</Text>
 {keys}</AastraIPPhoneTextScreen>
-)",
-     "", false, MakeScreen<AastraIPPhoneTextScreen>},
-    {"AastraIPPhoneMenu",
+)"},
+    {"AastraIPPhoneMenu", Make<AastraIPPhoneMenu, &Given::title, &Given::maxItems>,
      R"(<AastraIPPhoneTextMenu{destroyOnExit}{beep}>
 <Title>{title}</Title>
 {elements}{keys}</AastraIPPhoneTextMenu>
 )",
-     kMenuItem, true,
-     [](const ConstructorArguments& arguments) {
-       return Make<AastraIPPhoneMenu>(arguments.title, arguments.maxItems);
-     }},
-    {"AastraIPPhoneDirectory",
+     kMenuItem, true},
+    {"AastraIPPhoneDirectory", MakeList<AastraIPPhoneDirectory>,
      R"(<AastraIPPhoneDirectory{previous}{next}{destroyOnExit}{beep}>
 <Title>{title}</Title>
 {elements}{keys}</AastraIPPhoneDirectory>
 )",
-     kMenuItem, true, MakeList<AastraIPPhoneDirectory>},
+     kMenuItem, true},
     {"AastraIPPhoneInput",
+     Make<AastraIPPhoneInput, &Given::title, &Given::type, &Given::isPassword>,
      R"(<AastraIPPhoneInputScreen type = "{type}"{password}{destroyOnExit}{beep}>
 <Title>{title}</Title>
 <Prompt>{prompt}</Prompt>
@@ -80,52 +70,39 @@ const std::vector<DocumentClass> kDocumentClasses = {
 <Parameter>{parameter}</Parameter>
 <Default>{default}</Default>
 {keys}</AastraIPPhoneInputScreen>
-)",
-     "", false,
-     [](const ConstructorArguments& arguments) {
-       return Make<AastraIPPhoneInput>(arguments.title, arguments.type, arguments.isPassword);
-     }},
-    {"AastraIPPhoneExecute",
+)"},
+    {"AastraIPPhoneExecute", Make<AastraIPPhoneExecute, &Given::title>,
      R"(<AastraIPPhoneExecute{destroyOnExit}{beep}>
 <ExecuteItem URI="{title}"/>
 {keys}</AastraIPPhoneExecute>
-)",
-     "", false, MakeScreen<AastraIPPhoneExecute>},
-    {"AastraIPPhoneStatus",
-     R"(<AastraIPPhoneStatus{beep}>
+)"},
+    {"AastraIPPhoneStatus", Make<AastraIPPhoneStatus>, R"(<AastraIPPhoneStatus{beep}>
 <Session>{session}</Session>
 <Message index="{index}"{alert}{timeout}>
 {message}</Message>
 {keys}</AastraIPPhoneStatus>
-)",
-     "", false, [](const ConstructorArguments&) { return Make<AastraIPPhoneStatus>(); }},
-    {"CiscoIPPhoneDirectory",
+)"},
+    {"CiscoIPPhoneDirectory", MakeList<CiscoIPPhoneDirectory>,
      R"(<CiscoIPPhoneDirectory{previous}{next}>
 <Title>{title}</Title>
 {elements}</CiscoIPPhoneDirectory>
 )",
-     kDirectoryEntry, true, MakeList<CiscoIPPhoneDirectory>},
-    {"PolycomIPPhoneTextScreen",
-     R"(<html>
+     kDirectoryEntry, true},
+    {"PolycomIPPhoneTextScreen", Make<PolycomIPPhoneTextScreen, &Given::title>, R"(<html>
 <Title>{title}</Title>
 <body>
 <p>{text}</p>
 </body>
 </html>
-)",
-     "", false, MakeScreen<PolycomIPPhoneTextScreen>},
-    {"SnomIPPhoneTextScreen",
-     R"(<SnomIPPhoneText>
+)"},
+    {"SnomIPPhoneTextScreen", Make<SnomIPPhoneTextScreen, &Given::title>, R"(<SnomIPPhoneText>
 <Title>{title}</Title>
 <Text>{text}</Text>
 {keys}</SnomIPPhoneText>
-)",
-     "", false, MakeScreen<SnomIPPhoneTextScreen>},
-    {"SnomIPPhoneMenu", kSnomDirectory, kDirectoryEntry, false, MakeList<SnomIPPhoneMenu>},
-    {"SnomIPPhoneDirectory", kSnomDirectory, kDirectoryEntry, false,
-     MakeList<SnomIPPhoneDirectory>},
-    {"SnomIPPhoneInput",
-     R"(<SnomIPPhoneInput>
+)"},
+    {"SnomIPPhoneMenu", MakeList<SnomIPPhoneMenu>, kSnomDirectory, kDirectoryEntry},
+    {"SnomIPPhoneDirectory", MakeList<SnomIPPhoneDirectory>, kSnomDirectory, kDirectoryEntry},
+    {"SnomIPPhoneInput", Make<SnomIPPhoneInput, &Given::title, &Given::type>, R"(<SnomIPPhoneInput>
 <Title>{title}</Title>
 <Prompt>{prompt}</Prompt>
 <URL>{url}</URL>
@@ -136,21 +113,16 @@ const std::vector<DocumentClass> kDocumentClasses = {
 <InputFlags>{type}</InputFlags>
 </InputItem>
 {keys}</SnomIPPhoneInput>
-)",
-     "", false,
-     [](const ConstructorArguments& arguments) {
-       return Make<SnomIPPhoneInput>(arguments.title, arguments.type);
-     }},
-    {"YealinkIPPhoneTextScreen",
+)"},
+    {"YealinkIPPhoneTextScreen", Make<YealinkIPPhoneTextScreen, &Given::title>,
      R"(<YealinkIPPhoneText>
 <Title>{title}</Title>
 <Text>{text}</Text>
 </YealinkIPPhoneText>
-)",
-     "", false, MakeScreen<YealinkIPPhoneTextScreen>},
-    {"YealinkIPPhoneMenu", kYealinkDirectory, kDirectoryEntry, false, MakeList<YealinkIPPhoneMenu>},
-    {"YealinkIPPhoneDirectory", kYealinkDirectory, kDirectoryEntry, false,
-     MakeList<YealinkIPPhoneDirectory>},
+)"},
+    {"YealinkIPPhoneMenu", MakeList<YealinkIPPhoneMenu>, kYealinkDirectory, kDirectoryEntry},
+    {"YealinkIPPhoneDirectory", MakeList<YealinkIPPhoneDirectory>, kYealinkDirectory,
+     kDirectoryEntry},
 };
 
 namespace {
@@ -196,47 +168,98 @@ std::string FillTemplate(const std::string& text,
   return result + text.substr(begin);
 }
 
-Model::Model(const DocumentClass& theClass, const ConstructorArguments& arguments)
-    : documentClass(&theClass),
-      maxItems(arguments.maxItems),
-      fields({{"title", UpToNul(arguments.title)},
-              {"type", arguments.type},
-              {"password", arguments.isPassword ? " password = \"yes\"" : ""},
-              {"index", "0"}}) {}
+// The reference model of a document: it has the operations of all documents and the expected
+// fields.
+class Model {
+ public:
+  Model(const DocumentClass& theClass, const ConstructorArguments& arguments)
+      : documentClass(theClass),
+        maxItems(arguments.maxItems),
+        fields({{"title", UpToNul(arguments.title)},
+                {"type", arguments.type},
+                {"password", arguments.isPassword ? " password = \"yes\"" : ""},
+                {"index", "0"}}) {}
 
-std::string Model::Render() const {
-  auto values = fields;
-  for (const auto& [first, second] : elements) {
-    values["elements"] +=
-        FillTemplate(documentClass->elementTemplate, {{"first", first}, {"second", second}});
+  std::string Render() const {
+    auto values = fields;
+    for (const auto& [first, second] : elements) {
+      values["elements"] +=
+          FillTemplate(documentClass.elementTemplate, {{"first", first}, {"second", second}});
+    }
+    return FillTemplate(documentClass.documentTemplate, values);
   }
-  return FillTemplate(documentClass->documentTemplate, values);
-}
+  void SetAttributes(unsigned long flags) {
+    fields["destroyOnExit"] = flags % 2 == 1 ? " destroyOnExit = \"yes\"" : "";
+    fields["beep"] = flags / 16 % 2 == 1 ? " Beep = \"yes\"" : "";
+  }
+  void SetText(const std::string& text) {
+    fields["text"] = text;
+    fields["textToNul"] = UpToNul(text);
+  }
+  bool AppendItem(const std::string& first, const std::string& second) {
+    if (first.empty() || second.empty()) return false;
+    if (documentClass.enforcesLimit && static_cast<int>(elements.size()) >= maxItems) return false;
+    elements.emplace_back(first, second);
+    return true;
+  }
+  bool AppendEntry(const std::string& name, const std::string& telephone) {
+    return AppendItem(name, telephone);
+  }
+  void SetPreviousURI(const std::string& uri) { fields["previous"] = Attribute("previous", uri); }
+  void SetNextURI(const std::string& uri) { fields["next"] = Attribute("next", uri); }
+  void SortDirectoryItems() {
+    std::stable_sort(elements.begin(), elements.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+  }
+  bool SetParams(const std::string& prompt, const std::string& url, const std::string& parameter,
+                 const std::string& defaultValue) {
+    if (prompt.empty() || url.empty() || parameter.empty()) return false;
+    fields["prompt"] = prompt;
+    fields["url"] = url;
+    fields["parameter"] = parameter;
+    fields["default"] = defaultValue;
+    return true;
+  }
+  void SetMessage(const std::string& session, const std::string& message, int index, int type,
+                  int timeout) {
+    fields["session"] = session;
+    fields["message"] = message;
+    fields["index"] = std::to_string(index);
+    fields["alert"] = type == 1 ? Attribute("type", "alert") : "";
+    fields["timeout"] =
+        type == 1 && timeout > 0 ? Attribute("Timeout", std::to_string(timeout)) : "";
+  }
+  bool AddSoftKey(int index, const char* label, const char* uri) {
+    if (index < 1 || index > 6) return false;
+    fields["keys"] += "<SoftKey index = \"" + std::to_string(index) + "\">\n<Label>" +
+                      OrEmpty(label) + "</Label>\n<URI>" + OrEmpty(uri) + "</URI>\n</SoftKey>\n";
+    return true;
+  }
+  bool AddSoftKey(int index, const char* label, AastraSoftKeyCommands command) {
+    return AddSoftKey(index, label, WordAt(command, kAastraURIs, "SoftKey:Select").c_str());
+  }
+  bool AddSoftKey(SnomSoftKeyCommands command, const char* url) {
+    return AddKeyItem(command, "SNOM", url);
+  }
+  bool AddSoftKey(YealinkSoftKeyCommands command, const char* url) {
+    return AddKeyItem(command, "Yealink", url);
+  }
 
-bool Model::Append(const std::string& first, const std::string& second) {
-  if (first.empty() || second.empty()) return false;
-  if (documentClass->enforcesLimit && static_cast<int>(elements.size()) >= maxItems) return false;
-  elements.emplace_back(first, second);
-  return true;
-}
+ private:
+  static std::string OrEmpty(const char* text) { return text == nullptr ? "" : text; }
 
-void Model::Sort() {
-  std::stable_sort(elements.begin(), elements.end(),
-                   [](const auto& a, const auto& b) { return a.first < b.first; });
-}
+  bool AddKeyItem(int command, const std::string& maker, const char* url) {
+    fields["keys"] += "<SoftKeyItem>\n<Name>" +
+                      FillTemplate(WordAt(command, kKeyNames, ""), {{"maker", maker}}) +
+                      "</Name>\n<URL>" + OrEmpty(url) + "</URL>\n</SoftKeyItem>\n";
+    return true;
+  }
 
-bool Model::AddAastraKey(int index, const std::string& label, const std::string& uri) {
-  if (index < 1 || index > 6) return false;
-  fields["keys"] += "<SoftKey index = \"" + std::to_string(index) + "\">\n<Label>" +
-                    UpToNul(label) + "</Label>\n<URI>" + UpToNul(uri) + "</URI>\n</SoftKey>\n";
-  return true;
-}
-
-bool Model::AddKeyItem(const std::string& name, const std::string& url) {
-  fields["keys"] +=
-      "<SoftKeyItem>\n<Name>" + name + "</Name>\n<URL>" + UpToNul(url) + "</URL>\n</SoftKeyItem>\n";
-  return true;
-}
+  const DocumentClass& documentClass;
+  int maxItems;
+  std::map<std::string, std::string> fields;
+  std::vector<std::pair<std::string, std::string>> elements;
+};
 
 Arguments RandomArguments(const RandomBelow& randomBelow) {
   const auto number = [&] {
@@ -267,27 +290,13 @@ class OperationList {
  public:
   explicit OperationList(const IPPhoneXML& theDocument) : document(theDocument) {}
 
-  // Adds an operation if the document is a `Kind`.
-  template <typename Kind, typename Apply, typename Expect>
-  void Add(const char* name, Apply apply, Expect expect) {
+  // Adds an operation if the document is a `Kind`. `apply` takes a `Kind` or the model.
+  template <typename Kind, typename Apply>
+  void Add(const char* name, Apply apply) {
     if (dynamic_cast<const Kind*>(&document) == nullptr) return;
     operations.push_back(
         {name, [apply](IPPhoneXML& target) { return Result(apply, dynamic_cast<Kind&>(target)); },
-         [expect](Model& model) { return Result(expect, model); }});
-  }
-
-  // Adds the operations that menus and directories share.
-  template <typename List, typename Append>
-  void AddListOperations(const std::string& first, const std::string& second, Append append) {
-    Add<List>(
-        "append", [=](auto& target) { return append(target, first, second); },
-        [=](Model& model) { return model.Append(first, second); });
-    Add<List>(
-        "SetPreviousURI", [=](auto& target) { target.SetPreviousURI(first); },
-        [=](Model& model) { model.Set("previous", Attribute("previous", first)); });
-    Add<List>(
-        "SetNextURI", [=](auto& target) { target.SetNextURI(first); },
-        [=](Model& model) { model.Set("next", Attribute("next", first)); });
+         [apply](Model& model) { return Result(apply, model); }});
   }
 
   std::vector<Operation> operations;
@@ -314,88 +323,42 @@ std::vector<Operation> OperationsOn(IPPhoneXML& document, const Arguments& argum
   const auto toCString = [isNull = arguments.isNull](const std::string& text) {
     return isNull && text.empty() ? nullptr : text.c_str();
   };
+  const auto setPrevious = [=](auto& target) { target.SetPreviousURI(first); };
+  const auto setNext = [=](auto& target) { target.SetNextURI(first); };
   OperationList list(document);
-  list.Add<IPPhoneXML>(
-      "SetAttributes", [=](auto& target) { target.SetAttributes(arguments.flags); },
-      [=](Model& model) {
-        model.Set("destroyOnExit", arguments.flags % 2 == 1 ? " destroyOnExit = \"yes\"" : "");
-        model.Set("beep", arguments.flags / 16 % 2 == 1 ? " Beep = \"yes\"" : "");
-      });
-  list.Add<IPPhoneTextScreenXML>(
-      "SetText", [=](auto& target) { target.SetText(first); },
-      [=](Model& model) {
-        model.Set("text", first);
-        model.Set("textToNul", UpToNul(first));
-      });
-  list.AddListOperations<IPPhoneMenuXML>(
-      first, second, [](auto& target, const auto&... text) { return target.AppendItem(text...); });
-  list.AddListOperations<IPPhoneDirectoryXML>(
-      first, second, [](auto& target, const auto&... text) { return target.AppendEntry(text...); });
-  list.Add<IPPhoneDirectoryXML>(
-      "SortDirectoryItems", [](auto& target) { target.SortDirectoryItems(); },
-      [](Model& model) { model.Sort(); });
+  list.Add<IPPhoneXML>("SetAttributes",
+                       [=](auto& target) { target.SetAttributes(arguments.flags); });
+  list.Add<IPPhoneTextScreenXML>("SetText", [=](auto& target) { target.SetText(first); });
+  list.Add<IPPhoneMenuXML>("AppendItem",
+                           [=](auto& target) { return target.AppendItem(first, second); });
+  list.Add<IPPhoneMenuXML>("SetPreviousURI", setPrevious);
+  list.Add<IPPhoneMenuXML>("SetNextURI", setNext);
+  list.Add<IPPhoneDirectoryXML>("AppendEntry",
+                                [=](auto& target) { return target.AppendEntry(first, second); });
+  list.Add<IPPhoneDirectoryXML>("SetPreviousURI", setPrevious);
+  list.Add<IPPhoneDirectoryXML>("SetNextURI", setNext);
+  list.Add<IPPhoneDirectoryXML>("SortDirectoryItems",
+                                [](auto& target) { target.SortDirectoryItems(); });
   list.Add<IPPhoneInputXML>(
-      "SetParams", [=](auto& target) { return target.SetParams(first, second, third, fourth); },
-      [=](Model& model) {
-        if (first.empty() || second.empty() || third.empty()) return false;
-        model.Set("prompt", first);
-        model.Set("url", second);
-        model.Set("parameter", third);
-        model.Set("default", fourth);
-        return true;
-      });
-  list.Add<IPPhoneStatusXML>(
-      "SetMessage",
-      [=](auto& target) {
-        const auto type = static_cast<IPPhoneStatusXML::MsgType>(arguments.type);
-        target.SetMessage(first, second, arguments.index, type, arguments.timeout);
-      },
-      [=](Model& model) {
-        const bool isAlert = arguments.type == 1;
-        model.Set("session", first);
-        model.Set("message", second);
-        model.Set("index", std::to_string(arguments.index));
-        model.Set("alert", isAlert ? Attribute("type", "alert") : "");
-        model.Set("timeout", isAlert && arguments.timeout > 0
-                                 ? Attribute("Timeout", std::to_string(arguments.timeout))
-                                 : "");
-      });
-  list.Add<AastraIPPhone>(
-      "AddSoftKey with a command",
-      [=](auto& target) {
-        return target.AddSoftKey(arguments.index, toCString(first),
-                                 static_cast<AastraSoftKeyCommands>(arguments.command));
-      },
-      [=](Model& model) {
-        return model.AddAastraKey(arguments.index, first,
-                                  WordAt(arguments.command, kAastraURIs, "SoftKey:Select"));
-      });
-  list.Add<AastraIPPhone>(
-      "AddSoftKey with a URI",
-      [=](auto& target) {
-        return target.AddSoftKey(arguments.index, toCString(first), toCString(second));
-      },
-      [=](Model& model) { return model.AddAastraKey(arguments.index, first, second); });
-  list.Add<SnomIPPhone>(
-      "AddSoftKey",
-      [=](auto& target) {
-        return target.AddSoftKey(static_cast<SnomSoftKeyCommands>(arguments.command),
-                                 toCString(first));
-      },
-      [=](Model& model) {
-        return model.AddKeyItem(
-            FillTemplate(WordAt(arguments.command, kKeyNames, ""), {{"maker", "SNOM"}}), first);
-      });
-  list.Add<YealinkIPPhone>(
-      "AddSoftKey",
-      [=](auto& target) {
-        return target.AddSoftKey(static_cast<YealinkSoftKeyCommands>(arguments.command),
-                                 toCString(first));
-      },
-      [=](Model& model) {
-        return model.AddKeyItem(
-            FillTemplate(WordAt(arguments.command, kKeyNames, ""), {{"maker", "Yealink"}}), first);
-      });
+      "SetParams", [=](auto& target) { return target.SetParams(first, second, third, fourth); });
+  list.Add<IPPhoneStatusXML>("SetMessage", [=](auto& target) {
+    const auto type = static_cast<IPPhoneStatusXML::MsgType>(arguments.type);
+    target.SetMessage(first, second, arguments.index, type, arguments.timeout);
+  });
+  list.Add<AastraIPPhone>("AddSoftKey with a command", [=](auto& target) {
+    return target.AddSoftKey(arguments.index, toCString(first),
+                             static_cast<AastraSoftKeyCommands>(arguments.command));
+  });
+  list.Add<AastraIPPhone>("AddSoftKey with a URI", [=](auto& target) {
+    return target.AddSoftKey(arguments.index, toCString(first), toCString(second));
+  });
+  list.Add<SnomIPPhone>("AddSoftKey", [=](auto& target) {
+    return target.AddSoftKey(static_cast<SnomSoftKeyCommands>(arguments.command), toCString(first));
+  });
+  list.Add<YealinkIPPhone>("AddSoftKey", [=](auto& target) {
+    return target.AddSoftKey(static_cast<YealinkSoftKeyCommands>(arguments.command),
+                             toCString(first));
+  });
   return list.operations;
 }
 

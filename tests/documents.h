@@ -8,7 +8,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -20,35 +19,19 @@ struct ConstructorArguments {
   int maxItems;
   std::string type;
   bool isPassword;
+
+  // For classes whose title is a C string: an empty one is null.
+  const char* CTitle() const { return title.empty() ? nullptr : title.c_str(); }
 };
 
 struct DocumentClass {
   const char* name;
-  const char* documentTemplate;  // the expected output, with placeholders in braces
-  const char* elementTemplate;   // the same for one item or entry; empty if there are none
-  bool enforcesLimit;
   std::unique_ptr<IPPhoneXML> (*make)(const ConstructorArguments& arguments);
+  const char* documentTemplate;      // the expected output, with placeholders in braces
+  const char* elementTemplate = "";  // the same for one item or entry
+  bool enforcesLimit = false;
 };
 extern const std::vector<DocumentClass> kDocumentClasses;
-
-// The reference model of a document: its expected state, from which it renders the expected text.
-class Model {
- public:
-  Model(const DocumentClass& documentClass, const ConstructorArguments& arguments);
-
-  std::string Render() const;
-  void Set(const std::string& field, const std::string& value) { fields[field] = value; }
-  bool Append(const std::string& first, const std::string& second);
-  void Sort();
-  bool AddAastraKey(int index, const std::string& label, const std::string& uri);
-  bool AddKeyItem(const std::string& name, const std::string& url);
-
- private:
-  const DocumentClass* documentClass;
-  int maxItems;
-  std::map<std::string, std::string> fields;
-  std::vector<std::pair<std::string, std::string>> elements;
-};
 
 // Replaces the placeholders in braces by the values of `fields`; a missing field is empty.
 std::string FillTemplate(const std::string& text, const std::map<std::string, std::string>& fields);
@@ -64,6 +47,8 @@ struct Arguments {
   bool isNull = false;  // whether to pass empty C strings as null pointers
 };
 Arguments RandomArguments(const RandomBelow& randomBelow);
+
+class Model;  // of a document, for comparison
 
 // An operation on a document and its equivalent on the model. Both return the operation's result,
 // or true if it has none.
@@ -82,8 +67,5 @@ void ApplyAll(IPPhoneXML& document, const Arguments& arguments);
 // Constructs a document, applies random operations and compares it with the model after each one.
 // @throws std::logic_error that describes the first difference.
 void CompareWithModel(const DocumentClass& documentClass, const RandomBelow& randomBelow);
-
-// The classes with an example on their maker's page of the documentation.
-extern const std::set<std::string> kShownClasses;
 
 std::string RenderToString(IPPhoneXML& document);
