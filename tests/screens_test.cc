@@ -1,13 +1,12 @@
 // The screens: what each maker's phones get, whatever a screen holds.
-#include "screens.h"
-
 #include <gtest/gtest.h>
+#include <teleform/screens/compose.h>
 #include <teleform/screens/escape.h>
 #include <teleform/teleform.h>
 
 #include <algorithm>
+#include <functional>
 #include <map>
-#include <new>
 #include <sstream>
 #include <stdexcept>
 
@@ -18,6 +17,14 @@ namespace teleform::screens {
 
 using std::string_literals::operator""s;
 
+namespace {
+
+// A text from outside and what becomes of it.
+struct SampleText {
+  std::string text;
+  std::string escaped;
+  std::string encoded;  // with all bytes of "+*:@" kept
+};
 const std::vector<SampleText> kSampleTexts = {
     {"", "", ""},
     {"R&D <\"x\">'", "R&amp;D &lt;&quot;x&quot;&gt;'", "R%26D%20%3C%22x%22%3E%27"},
@@ -38,6 +45,11 @@ const std::vector<SampleText> kSampleTexts = {
     {"caf\xe9 \xe2\x82", "caf\uFFFD \uFFFD\uFFFD", "caf%E9%20%E2%82"},
 };
 
+// A screen whose texts and URIs are all `text`.
+struct SampleScreen {
+  const char* name;
+  std::function<Document(Maker, const std::string& text, const std::vector<SoftKey>& keys)> compose;
+};
 const std::vector<SampleScreen> kSampleScreens = {
     {"menu",
      [](Maker maker, const auto& text, const auto& keys) {
@@ -65,11 +77,10 @@ const std::vector<SampleScreen> kSampleScreens = {
      }},
 };
 
+// One key for the phone's own action, and one that loads `text`.
 std::vector<SoftKey> SampleKeys(const std::string& text) {
   return {{SoftKeyRole::kSelect}, {SoftKeyRole::kHome, text, text}};
 }
-
-namespace {
 
 // == Documents ==
 
@@ -347,41 +358,18 @@ TEST(Makers, AreFoundBySlugAndUserAgent) {
 
 // == Memory ==
 
-// Runs `action` with memory running out at each of its allocations until it ends. Each failure must
-// leave nothing behind.
-template <typename Action>
-void FailEachAllocation(
-    const Action& action, const std::function<void()>& expectUnchanged = [] {}) {
-  for (std::size_t failAt = 1;; ++failAt) {
-    ASSERT_LT(failAt, 1000U);
-    const long before = Allocations::StartCounting(failAt).live;
-    try {
-      action();
-      Allocations::StartCounting();
-      EXPECT_GT(failAt, 1U);
-      return;
-    } catch (const std::bad_alloc&) {
-      ASSERT_EQ(Allocations::StartCounting().live, before) << failAt;
-      expectUnchanged();
-    }
-  }
-}
-
 const std::string kLong(100, '&');
 
-TEST(Memory, RunsOutWithoutATraceWhereScreensAreComposed) {
+TEST(Memory, RunsOutWithoutATrace) {
   const auto keys = SampleKeys(kLong);
   for (const auto& screen : kSampleScreens) {
     for (const auto& maker : AllMakers()) {
-      FailEachAllocation([&] { screen.compose(maker.maker, kLong, keys); });
+      EXPECT_GT(FailEachAllocation([&] { screen.compose(maker.maker, kLong, keys); }), 0U);
     }
   }
-}
-
-TEST(Memory, RunsOutWithoutATraceWhereTextsAreEscaped) {
-  FailEachAllocation([] { EscapeXML(kLong); });
-  FailEachAllocation([] { PercentEncode(kLong); });
-  FailEachAllocation([] { PercentDecode(kLong, false); });
+  EXPECT_GT(FailEachAllocation([] { EscapeXML(kLong); }), 0U);
+  EXPECT_GT(FailEachAllocation([] { PercentEncode(kLong); }), 0U);
+  EXPECT_GT(FailEachAllocation([] { PercentDecode(kLong, false); }), 0U);
 }
 
 TEST(Memory, RunsOutWithoutATraceWhereSoftKeysAreAdded) {
@@ -393,8 +381,10 @@ TEST(Memory, RunsOutWithoutATraceWhereSoftKeysAreAdded) {
     AddSoftKey(*document, SoftKeyRole::kNext, kLong);
     const std::string before = RenderToString(*document);
     bool isAdded = false;
-    FailEachAllocation([&] { isAdded = AddSoftKey(*document, key.role, key.uri, key.label); },
-                       [&] { ASSERT_EQ(RenderToString(*document), before); });
+    EXPECT_GT(
+        FailEachAllocation([&] { isAdded = AddSoftKey(*document, key.role, key.uri, key.label); },
+                           [&] { EXPECT_EQ(RenderToString(*document), before); }),
+        0U);
     EXPECT_TRUE(isAdded);
   }
 }
