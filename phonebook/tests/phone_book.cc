@@ -4,6 +4,9 @@
 #include <soci/sqlite3/soci-sqlite3.h>
 
 #include <cstdlib>
+#include <exception>
+
+#include "phonebook/database/store.h"
 
 namespace phonebook::tests {
 
@@ -43,6 +46,17 @@ std::string Cluster::URIOf(const std::string& database) const {
   return "postgresql://phonebook@127.0.0.1:" + std::to_string(port) + "/" + database +
          "?sslmode=disable";
 }
+
+std::string FailureOf(const std::string& database, const std::vector<Contact>& contacts) {
+  try {
+    EXPECT_TRUE(Store(database).CreateOrOpen(contacts, [](auto, auto) { return true; }));
+    return "";
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
+std::string NameOf(const testing::TestParamInfo<const char*>& tested) { return tested.param; }
 
 void PhoneBook::SetUp() {
   isPostgreSQL = std::string(GetParam()) == "PostgreSQL";
@@ -85,15 +99,15 @@ void PhoneBook::Fill(const Texts& names) const {
   EXPECT_TRUE(IsIndexed());
 }
 
+int PhoneBook::Count(const std::string& from) const {
+  int count = 0;
+  *Connect() << "SELECT count(*) FROM " << from, soci::into(count);
+  return count;
+}
+
 bool PhoneBook::IsIndexed() const {
-  const auto session = Connect();
-  return Eventually([&] {
-    int pending = 1;
-    *session << "SELECT (SELECT count(*) FROM contacts WHERE is_indexed = FALSE) +"
-                " (SELECT count(*) FROM removed_contacts)",
-        soci::into(pending);
-    return pending == 0;
-  });
+  return Eventually(
+      [&] { return Count("contacts WHERE is_indexed = FALSE") + Count("removed_contacts") == 0; });
 }
 
 void PhoneBook::RemoveDatabase() const {
@@ -112,11 +126,8 @@ void PhoneBook::RestoreDatabase() const {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(On, PhoneBook, testing::Values("SQLite", "PostgreSQL"),
-                         [](const auto& tested) { return std::string(tested.param); });
-INSTANTIATE_TEST_SUITE_P(Only, PhoneBookOnSQLite, testing::Values("SQLite"),
-                         [](const auto& tested) { return std::string(tested.param); });
-INSTANTIATE_TEST_SUITE_P(Only, PhoneBookOnPostgreSQL, testing::Values("PostgreSQL"),
-                         [](const auto& tested) { return std::string(tested.param); });
+INSTANTIATE_TEST_SUITE_P(On, PhoneBook, testing::Values("SQLite", "PostgreSQL"), NameOf);
+INSTANTIATE_TEST_SUITE_P(Only, PhoneBookOnSQLite, testing::Values("SQLite"), NameOf);
+INSTANTIATE_TEST_SUITE_P(Only, PhoneBookOnPostgreSQL, testing::Values("PostgreSQL"), NameOf);
 
 }  // namespace phonebook::tests

@@ -8,7 +8,9 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "phonebook/contacts.h"
 #include "phonebook/tests/server_process.h"
 
 namespace phonebook::tests {
@@ -50,6 +52,14 @@ class Cluster {
   int port;
 };
 
+/// Opens a database and fills it if it is new.
+/// @return why it is refused; empty if it is not.
+std::string FailureOf(const std::string& database,
+                      const std::vector<Contact>& contacts = {{"\xC5\x81", "1", ""}});
+
+/// The name of a test on this database.
+std::string NameOf(const testing::TestParamInfo<const char*>& tested);
+
 /// A test with a database of its own in SQLite or PostgreSQL.
 class PhoneBook : public testing::TestWithParam<const char*> {
  protected:
@@ -67,6 +77,9 @@ class PhoneBook : public testing::TestWithParam<const char*> {
   /// Replaces the contacts by one for each name, with telephones that differ, and waits until the
   /// server has indexed them.
   void Fill(const Texts& names) const;
+
+  /// How many rows a FROM clause selects.
+  int Count(const std::string& from) const;
 
   /// Waits until no contact is pending.
   bool IsIndexed() const;

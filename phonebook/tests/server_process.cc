@@ -36,7 +36,23 @@ std::string ReadAll(tcp::iostream& stream) {
 ServerProcess::ServerProcess(const std::filesystem::path& directory, const std::string& database,
                              const Texts& options, bool isOwner)
     : log(directory / "log") {
-  Start(directory, database, options, isOwner);
+  const int out = open(log.c_str(), O_CREAT | O_WRONLY | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
+  Texts words = {PHONEBOOK, "--port", "0", "--database", database};
+  words.insert(words.end(), options.begin(), options.end());
+  std::vector<char*> arguments;
+  for (auto& word : words) arguments.push_back(word.data());
+  arguments.push_back(nullptr);
+  process = fork();
+  if (process == 0) {
+    constexpr uid_t kNobody = 65534;
+    dup2(out, STDOUT_FILENO);
+    dup2(out, STDERR_FILENO);
+    if (chdir(directory.c_str()) == 0 && (isOwner || geteuid() != 0 || setuid(kNobody) == 0)) {
+      execv(PHONEBOOK, arguments.data());
+    }
+    _exit(127);
+  }
+  close(out);
 }
 
 ServerProcess::~ServerProcess() { EXPECT_TRUE(process == 0 || Stop() == 0) << ContentOf(log); }
@@ -85,27 +101,6 @@ HTTPResponse ServerProcess::Get(const std::string& uri, const std::string& userA
   return ParseResponse(Exchange("GET " + (isWhole ? uri.substr(base.size()) : uri) +
                                 " HTTP/1.0\r\nHost: " + base.substr(7) +
                                 "\r\nUser-Agent: " + userAgent + "\r\n\r\n"));
-}
-
-void ServerProcess::Start(const std::filesystem::path& directory, const std::string& database,
-                          const Texts& options, bool isOwner) {
-  const int out = open(log.c_str(), O_CREAT | O_WRONLY | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
-  Texts words = {PHONEBOOK, "--port", "0", "--database", database};
-  words.insert(words.end(), options.begin(), options.end());
-  std::vector<char*> arguments;
-  for (auto& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  process = fork();
-  if (process == 0) {
-    constexpr uid_t kNobody = 65534;
-    dup2(out, STDOUT_FILENO);
-    dup2(out, STDERR_FILENO);
-    if (chdir(directory.c_str()) == 0 && (isOwner || geteuid() != 0 || setuid(kNobody) == 0)) {
-      execv(PHONEBOOK, arguments.data());
-    }
-    _exit(127);
-  }
-  close(out);
 }
 
 }  // namespace phonebook::tests

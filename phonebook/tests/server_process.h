@@ -73,9 +73,6 @@ class ServerProcess {
   std::string port;
 
  private:
-  void Start(const std::filesystem::path& directory, const std::string& database,
-             const Texts& options, bool isOwner);
-
   pid_t process = 0;
   int exitStatus = 0;
 };

@@ -43,9 +43,7 @@ TEST_P(PhoneBook, IsFilledOnceByServersStartedTogether) {
     });
   }
   for (auto& started : starting) EXPECT_EQ(started.get()->Get("/cisco/directory").status, 200);
-  int contacts = 0;
-  *Connect() << "SELECT count(*) FROM contacts", soci::into(contacts);
-  EXPECT_EQ(contacts, 40);
+  EXPECT_EQ(Count("contacts"), 40);
   *Connect() << "DELETE FROM contacts";  // what the owner removed stays removed
   EXPECT_EQ(ParsedPage(Serve()->Get("/snom/directory").text).First("//Title"),
             "Nobody is in the phone book");
@@ -59,10 +57,8 @@ TEST_P(PhoneBook, LeavesNothingBehindWhenTheImportIsStopped) {
   }
   ServerProcess server(directory.path, database, {"--contacts", contacts});
   EXPECT_TRUE(Eventually([&] {  // until it is at it
-    if (!isPostgreSQL) return FilesBeside(database) > 0;
-    int locks = 0;
-    *Connect() << "SELECT count(*) FROM pg_locks WHERE locktype = 'advisory'", soci::into(locks);
-    return locks > 0;
+    return isPostgreSQL ? Count("pg_locks WHERE locktype = 'advisory'") > 0
+                        : FilesBeside(database) > 0;
   }));
   EXPECT_FALSE(fs::exists(database));
   EXPECT_EQ(WEXITSTATUS(server.Stop()), 1);

@@ -12,11 +12,7 @@ namespace phonebook {
 namespace {
 
 TEST(URL, ParsesRequestTargets) {
-  struct Case {
-    std::string target;
-    RequestTarget expected;
-  };
-  const std::vector<Case> cases = {
+  const std::map<std::string, RequestTarget> cases = {
       {"/snom/dire%63tory", {"", "/snom/dire%63tory", {"snom", "directory"}, {}}},
       {"//snom//a/", {"", "//snom//a/", {"snom", "a"}, {}}},
       {"/", {"", "/", {}, {}}},
@@ -26,13 +22,7 @@ TEST(URL, ParsesRequestTargets) {
       {"/s?x;y&z=?/", {"", "/s", {"s"}, {{"x;y", ""}, {"z", "?/"}}}},
       {"/s?name=100%&b=%a", {"", "/s", {"s"}, {{"name", "100%"}, {"b", "%a"}}}},
       {"/s?name=\xc3\xa5\"[#]", {"", "/s", {"s"}, {{"name", "\xc3\xa5\"[#]"}}}},
-      {"/s?name=a%00b",
-       {"",
-        "/s",
-        {"s"},
-        {{"name",
-          "a\xff"
-          "b"}}}},
+      {"/s?name=x%00y", {"", "/s", {"s"}, {{"name", "x\xffy"}}}},
       {"http://a:1/snom?b=c", {"a:1", "/snom", {"snom"}, {{"b", "c"}}}},
       {"HTTPS://[::1]?b=c", {"[::1]", "", {}, {{"b", "c"}}}},
   };
