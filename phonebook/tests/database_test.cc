@@ -54,11 +54,9 @@ TEST_P(PhoneBook, RecoversWithTheDatabase) {
 }
 
 TEST_P(PhoneBookOnPostgreSQL, TimesOutWhenTheDatabaseHangs) {
-  struct Case {
-    std::size_t requests;  // one leaves most connections idle; 600 don't fit into the queue
-    bool isStopped;
-  };
-  for (const auto& [requests, isStopped] : {Case{600, false}, Case{600, true}, Case{1, true}}) {
+  // One request leaves most connections idle; 600 don't fit into the queue.
+  for (const auto& [requests, isStopped] :
+       {std::pair(600U, false), std::pair(600U, true), std::pair(1U, true)}) {
     const auto server = Serve();
     EXPECT_EQ(server->Get("/aastra/directory").status, 200);
     ASSERT_TRUE(cluster().Command("freeze")) << cluster().reason;

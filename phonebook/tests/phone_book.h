@@ -21,22 +21,18 @@ namespace fs = std::filesystem;
 inline const Texts kPages = {"",          "directory", "search",  "search?name=a",
                              "contact/1", "dial/1",    "message", "status"};
 
-class TemporaryDirectory {
+class TemporaryDirectory : boost::noncopyable {
  public:
   TemporaryDirectory();
   ~TemporaryDirectory() { fs::remove_all(path); }
-  TemporaryDirectory(const TemporaryDirectory&) = delete;
-  TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
   fs::path path;
 };
 
 /// A PostgreSQL of the tests' own.
-class Cluster {
+class Cluster : boost::noncopyable {
  public:
   Cluster();
   ~Cluster() { Command("stop"); }
-  Cluster(const Cluster&) = delete;
-  Cluster& operator=(const Cluster&) = delete;
 
   /// Runs a command of `temporary_postgresql`.
   /// @return whether it succeeded; if not, `reason` tells why.

@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/noncopyable.hpp>
 #include <chrono>
 #include <filesystem>
 #include <memory>
@@ -41,15 +42,13 @@ HTTPResponse ParseResponse(const std::string& bytes);
 std::string ReadAll(boost::asio::ip::tcp::iostream& stream);
 
 /// Starts the server on a free port, and stops it at the end.
-class ServerProcess {
+class ServerProcess : boost::noncopyable {
  public:
   /// @param directory the working directory and place of the log.
   /// @param isOwner false runs it as a user who owns nothing.
   ServerProcess(const std::filesystem::path& directory, const std::string& database,
                 const Texts& options = {}, bool isOwner = true);
   ~ServerProcess();
-  ServerProcess(const ServerProcess&) = delete;
-  ServerProcess& operator=(const ServerProcess&) = delete;
 
   /// Waits until the server listens or ends.
   /// @return whether it listens.

@@ -119,7 +119,6 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
       {{"--address", "somewhere"}, "can't listen on somewhere"},
       {{"--host", "phone_book.example"}, "it must be a host name"},
       {{"--base-url", "ftp://phonebook.example"}, "it must be like http://"},
-      {{"--base-url", "http://a/\"><b"}, "it must be like http://"},
   };
   for (const auto& [options, said, path] : cases) {
     ServerProcess refused(directory.path, path.empty() ? database : path, options);
