@@ -52,9 +52,9 @@ Positions PositionsOf(const Dialect& dialect, bool isForward, bool isAtContact) 
   return {"(SELECT " + key + ofContact, "(SELECT " + farther + key + bound + ofContact};
 }
 
-// A column as far as pages show it.
+// A column as far as pages show it. SQLite makes NULL of an empty blob.
 std::string Shown(const std::string& column, int characters = kMaxShownCharacters) {
-  return "substr(" + column + ", 1, " + std::to_string(characters) + ")";
+  return "COALESCE(substr(" + column + ", 1, " + std::to_string(characters) + "), '')";
 }
 
 // Cuts what the database takes for one character, as malformed UTF-8 may be of any length.
@@ -195,7 +195,8 @@ Queries::~Queries() = default;
 
 void Queries::RunAll() {
   const std::string afterAll = EndOfPrefix("");
-  for (const Query query : {kByName, kNext, kByNameAndWords, kLastOfMany, kByWord, kWordCount}) {
+  for (const Query query :
+       {kByName, kNext, kByNameAndWords, kLastOfMany, kByWord, kByWordOfContact, kWordCount}) {
     for (const bool isForward : {false, true}) {
       List(query, afterAll, {}, {isForward}, 1);
       List(query, afterAll, {}, {isForward, afterAll, kBeforeAll}, 1);
@@ -251,13 +252,18 @@ std::string Queries::SQLOf(Query query, bool isForward, bool isAtContact) const 
     case kLastOfMany:  // the last one that kByNameAndWords looks at, if there are so many
       return "SELECT id, " + shown + ", collation_key FROM contacts WHERE id = (SELECT id" +
              ofContacts + " LIMIT 1 OFFSET " + std::to_string(kMaxContacts - 1) + ")";
-    case kByWord:  // that have the words, and a search key with the prefix
-      return "SELECT id, " + shown + ", collation_key FROM (SELECT DISTINCT collation_key AS " +
-             "place, contact" + ofSearchKeys + " AND " +
-             Beyond(isForward, "collation_key, contact", position) + hasWords +
+    case kByWord:  // that have the words, and a search key with the prefix; removed ones are empty
+    case kByWordOfContact:  // the same without those, which costs a look at each contact
+      return "SELECT contact, COALESCE(name, ''), COALESCE(telephone, ''), place FROM (SELECT "
+             "DISTINCT collation_key AS place, contact" +
+             ofSearchKeys + " AND " + Beyond(isForward, "collation_key, contact", position) +
+             hasWords +
+             (query == kByWord ? ""
+                               : " AND EXISTS (SELECT 1 FROM contacts c WHERE c.id = contact"
+                                 " AND c.collation_key = search_keys.collation_key)") +
              Ordered(isForward, "collation_key", "contact") + " LIMIT :limit) w" +
-             " JOIN contacts ON id = contact AND collation_key = place" +
-             Ordered(isForward, "place", "id");
+             " LEFT JOIN contacts ON id = contact AND collation_key = place" +
+             Ordered(isForward, "place", "contact");
     case kWordCount:  // the number of search keys with the prefix, in place of an id
       return "SELECT count(*), '', '' FROM (SELECT 1" + ofSearchKeys + " LIMIT :limit) w";
   }
@@ -289,7 +295,7 @@ SearchResult Queries::Search(const std::vector<std::string>& words, const Cursor
   if (rarest == nullptr) return found;
   SearchResult byName = SearchByName(*rarest, words, cursor, size);
   found.contacts =
-      Merged(byName.contacts, List(kByWord, *rarest, words, cursor, size), cursor.isForward);
+      Merged(byName.contacts, SearchByWord(*rarest, words, cursor, size), cursor.isForward);
   found.end = std::move(byName.end);
   if (found.end) {  // beyond which those by name are missing
     const auto isKnown = [&](const auto& other) {
@@ -314,6 +320,17 @@ SearchResult Queries::SearchByName(const std::string& prefix, const std::vector<
   auto last = List(kLastOfMany, prefix, {}, cursor, 1);
   if (!last.empty()) found.end = std::move(last.front());
   return found;
+}
+
+// Looks at all contacts that have a search key with the prefix. The search keys of a removed
+// contact stay until it is indexed, and must not take the places of others.
+std::vector<ListedContact> Queries::SearchByWord(const std::string& prefix,
+                                                 const std::vector<std::string>& words,
+                                                 const Cursor& cursor, std::size_t size) {
+  auto found = List(kByWord, prefix, words, cursor, size);
+  const bool hasRemoved = std::any_of(found.begin(), found.end(),
+                                      [](const auto& one) { return one.telephone.empty(); });
+  return hasRemoved ? List(kByWordOfContact, prefix, words, cursor, size) : found;
 }
 
 // The word with the fewest search keys; null if all have many.

@@ -52,7 +52,15 @@ class Queries {
   std::optional<std::string> FindNotice(const std::string& name);
 
  private:
-  enum Query { kByName, kNext, kByNameAndWords, kLastOfMany, kByWord, kWordCount };
+  enum Query {
+    kByName,
+    kNext,
+    kByNameAndWords,
+    kLastOfMany,
+    kByWord,
+    kByWordOfContact,
+    kWordCount
+  };
   static constexpr std::size_t kQueries = kWordCount + 1;
   class ListQuery;
   class ContactQuery;
@@ -67,6 +75,9 @@ class Queries {
                                   std::size_t size);
   SearchResult SearchByName(const std::string& prefix, const std::vector<std::string>& words,
                             const Cursor& cursor, std::size_t size);
+  std::vector<ListedContact> SearchByWord(const std::string& prefix,
+                                          const std::vector<std::string>& words,
+                                          const Cursor& cursor, std::size_t size);
   const std::string* RarestOf(const std::vector<std::string>& words);
 
   soci::session& session;

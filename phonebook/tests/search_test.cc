@@ -83,6 +83,7 @@ TEST_P(PhoneBook, LooksForCommonWordsInSteps) {
     const bool isBoth = i == 100 || i == 6900;
     contacts.push_back({"N" + std::to_string(10000 + i), "1",
                         isBoth       ? "red blue"
+                        : i > 6950   ? "green"
                         : i % 2 == 0 ? "red"
                                      : "blue"});
   }
@@ -105,6 +106,12 @@ TEST_P(PhoneBook, LooksForCommonWordsInSteps) {
   EXPECT_EQ(follow(search + "&before=3103-N13102", "Next"),
             (std::vector<Texts>{{more}, {more}, {more}, {"N16900"}}));
   EXPECT_EQ(follow(search + "+n169", "Next"), std::vector<Texts>{{"N16900"}});  // a rare word
+
+  // Contacts that are removed, and not yet from the index, take no places on a page.
+  EXPECT_EQ(server->Stop(), 0);
+  *Connect() << "DELETE FROM contacts WHERE id BETWEEN 6952 AND 6990";
+  const Selection green{"", {*WordKeys("green").begin()}};
+  EXPECT_EQ(Store(database).ListContacts(green, {}, 20).contacts.size(), 10U);
 }
 
 TEST_P(PhoneBook, ListsChangedNamesInTheirOldOrderUntilTheyAreIndexed) {
