@@ -77,7 +77,7 @@ std::string PositionOf(const ListedContact& contact) {
 std::optional<Cursor> ParsePosition(const PageParam& param) {
   const auto dash = std::min(param.position.find('-', 1), param.position.size());  // -1 is an id
   const auto id = ParseId(param.position.substr(0, dash));
-  if (!id || dash + 1 >= param.position.size()) return std::nullopt;
+  if (!id || dash == param.position.size()) return std::nullopt;
   return Cursor{param.isAfter, CollationKey(param.position.substr(dash + 1)), id};
 }
 

@@ -20,14 +20,14 @@ std::string Pending(const std::string& columns, const std::string& from) {
 }
 std::string PendingChanged() {
   std::string columns = "id, COALESCE(collation_key, ''), COALESCE(all_keys, '')";
-  for (const auto& column : kColumns) {  // as far as it counts
-    columns +=
-        ", substr(" + std::string(column.name) + ", 1, " + std::to_string(kMaxKeyCharacters) + ")";
+  for (const auto& column : kColumns) {  // as far as it counts; an empty blob makes NULL
+    columns += ", COALESCE(substr(" + std::string(column.name) + ", 1, " +
+               std::to_string(kMaxKeyCharacters) + "), '')";
   }
   return Pending(columns, "contacts WHERE is_indexed = FALSE");
 }
 std::string PendingRemoved() {
-  std::string columns = "contact, collation_key, all_keys";
+  std::string columns = "COALESCE(contact, 0), COALESCE(collation_key, ''), COALESCE(all_keys, '')";
   for (std::size_t i = 0; i < kColumns.size(); ++i) columns += ", ''";
   return Pending(columns, "removed_contacts");
 }
