@@ -23,6 +23,7 @@ std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& sou
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (line.empty() || line.front() == '#') continue;
     if (!IsUTF8(line)) fail(number, "this is not UTF-8");
+    if (line.find('\0') != line.npos) fail(number, "there is a NUL");
     const auto first = line.find('\t');
     const auto second = line.find('\t', first + 1);
     const bool hasThreeFields =

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include "phonebook/database/unavailable.h"
@@ -90,8 +91,10 @@ Transaction::~Transaction() {
 }
 
 bool HasLog(const std::string& path) {
+  std::error_code error;
+  const auto file = std::filesystem::canonical(path, error);  // beside which the log is
   struct stat status {};
-  return stat((path + "-wal").c_str(), &status) == 0 && status.st_size > 0;
+  return !error && stat((file.string() + "-wal").c_str(), &status) == 0 && status.st_size > 0;
 }
 
 bool IsLocked(const soci::soci_error& error) {

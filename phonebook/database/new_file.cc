@@ -96,6 +96,9 @@ bool IsDatabaseMissing(const std::string& path) {
     throw std::runtime_error(path + " is missing, but not its " + path + companion +
                              ": restore the one or remove the other");
   }
+  if (!Exists(path) && fs::is_symlink(path)) {
+    throw std::runtime_error(path + " is a symbolic link to a missing file");
+  }
   return !Exists(path);
 }
 

@@ -7,8 +7,8 @@
 namespace phonebook {
 
 /// Whether there is no database under `path`.
-/// @throws std::runtime_error when there is none, but a journal or log of one, which SQLite would
-/// apply to the next.
+/// @throws std::runtime_error when there is none, but a link to it, or a journal or log of one,
+/// which SQLite would apply to the next.
 bool IsDatabaseMissing(const std::string& path);
 
 /// A file beside its future place, locked while this lives and removed unless it is published.

@@ -35,7 +35,8 @@ void ExpectPath(const std::string& database) {
   const auto scheme = database.find("://");
   const bool isURI = scheme != 0 && scheme != database.npos &&
                      database.find_first_not_of(kSchemeCharacters) == scheme;
-  if (!isURI && database.find("password=") == database.npos) return;
+  const bool isPath = !isURI && !database.empty() && database.find("password=") == database.npos;
+  if (isPath) return;
   throw std::runtime_error(
       "the database must be the path of a file, or a URI that begins with postgresql://");
 }

@@ -103,6 +103,8 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
   const std::string damaged = directory.path / "damaged.db";
   ServerProcess(directory.path, damaged).Listens();
   std::fstream(damaged, std::ios::in | std::ios::out).seekp(4096) << std::string(4096, 'x');
+  const std::string dangling = directory.path / "dangling.db";
+  fs::create_symlink(directory.path / "missing.db", dangling);
   struct Case {
     Texts options;
     std::string said;
@@ -112,8 +114,10 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
       {{}, "other tables than a phone book", other},
       {{}, "No such file", directory.path / "no" / "such.db"},
       {{}, "error: database disk image is malformed", damaged},
+      {{}, "symbolic link to a missing file", dangling},
       {{}, "not a database", file("text", "no database at all, but some text")},
       {{"--contacts", file("latin.tsv", "A\t1\t\nGr\xfc\xdf\t2\t\n")}, "latin.tsv:2: this is not"},
+      {{"--contacts", file("nul.tsv", std::string("A\0\t1\t\n", 6))}, "nul.tsv:1: there is a NUL"},
       {{"--contacts", file("short.tsv", "# A\n\nB\t1\n")}, "short.tsv:3: expected"},
       {{"--address", "8.8.8.8"}, "can't listen on 8.8.8.8"},
       {{"--address", "somewhere"}, "can't listen on somewhere"},
@@ -143,6 +147,8 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
   const auto found = ParsedPage(Serve()->Get("/snom/directory").text);
   EXPECT_EQ(found.Items(), (Texts{"Anna", "Ben"}));
 
+  const std::string link = directory.path / "link.db";
+  fs::create_symlink(database, link);
   // A file that nobody may write, as it is and when another takes its place.
   fs::permissions(directory.path, fs::perms{0555});
   fs::permissions(database, fs::perms{0444});
@@ -155,9 +161,11 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
   // Changes beside it that the user may not read.
   std::ofstream(database + "-wal") << "changes";
   fs::permissions(database + "-wal", fs::perms{0600});
-  ServerProcess refused(directory.path, database, {}, false);
-  EXPECT_FALSE(refused.Listens());
-  EXPECT_TRUE(refused.IsLogged("-wal can't be read")) << ContentOf(refused.log);
+  for (const std::string& path : {database, link}) {
+    ServerProcess refused(directory.path, path, {}, false);
+    EXPECT_FALSE(refused.Listens());
+    EXPECT_TRUE(refused.IsLogged("-wal can't be read")) << ContentOf(refused.log);
+  }
   fs::permissions(directory.path, fs::perms::owner_all | fs::perms::others_exec);
 }
 }  // namespace
