@@ -52,6 +52,9 @@ void HTTPConnection::ReadRequest() {
   parser->eager(true);
   SetDeadline(owner.limits.idleTimeout);
   isIdle = true;
+  // The buffer of a large request would stay as long as the connection is idle.
+  constexpr std::size_t kMaxIdleBuffer = 4096;
+  if (buffer.size() == 0 && buffer.capacity() > kMaxIdleBuffer) buffer.shrink_to_fit();
   Parse();
 }
 
@@ -249,10 +252,12 @@ void HTTPConnection::Drain() {
                          });
 }
 
-void HTTPConnection::CheckDeadline(Clock::time_point now) {
-  if (now < deadline) return;
-  deadline = kNever;
+void HTTPConnection::CheckDeadline(Clock::time_point now, bool isServerFull) {
+  const auto& limits = owner.limits;
+  if (isIdle && isServerFull) now += limits.idleTimeout - limits.idleTimeoutWhenFull;
   error_code ignored;
+  if (now < deadline || (isIdle && socket.available(ignored) > 0)) return;
+  deadline = kNever;
   isOverdue = parser && !isIdle && !message;
   if (isOverdue) {
     socket.cancel(ignored);

@@ -66,7 +66,8 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   void Write(Response response);
 
   /// Ends a step that is overdue: refuses an incomplete request, or else closes the connection.
-  void CheckDeadline(Clock::time_point now);
+  /// @param isServerFull shortens the time for which the connection may be idle.
+  void CheckDeadline(Clock::time_point now, bool isServerFull);
 
   /// Closes the connection unless a request has begun to arrive.
   void CloseIfIdle();

@@ -119,7 +119,8 @@ void HTTPServer::Implementation::OnAccept(tcp::socket socket) {
 
 void HTTPServer::Implementation::CheckDeadlines() {
   const auto now = HTTPConnection::Clock::now();
-  for (const auto& connection : connections) connection->CheckDeadline(now);
+  const bool isFull = connections.size() >= limits.maxConnections;
+  for (const auto& connection : connections) connection->CheckDeadline(now, isFull);
 }
 
 void HTTPServer::Implementation::Remove(const std::shared_ptr<HTTPConnection>& connection) {

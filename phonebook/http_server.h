@@ -21,9 +21,10 @@ struct HTTPLimits {
   std::size_t maxUnsent = 64 << 20;    ///< In bytes, of all responses being written.
   std::size_t maxSmall = 16384;    ///< In bytes; larger responses take half of `maxUnsent` at most.
   std::size_t sendBuffer = 32768;  ///< The kernel's, of a connection.
-  std::chrono::seconds requestTimeout{5};   ///< For a whole request, from its first byte.
-  std::chrono::seconds responseTimeout{5};  ///< For the client to take a response.
-  std::chrono::seconds idleTimeout{60};     ///< Between requests.
+  std::chrono::seconds requestTimeout{5};       ///< For a whole request, from its first byte.
+  std::chrono::seconds responseTimeout{5};      ///< For the client to take a response.
+  std::chrono::seconds idleTimeout{60};         ///< Between requests.
+  std::chrono::seconds idleTimeoutWhenFull{5};  ///< While there are `maxConnections`.
 };
 
 /// What a server does with requests. Neither function may block.

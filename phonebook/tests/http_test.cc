@@ -175,6 +175,28 @@ TEST_P(PhoneBookOnSQLite, ServesBesideIdleAndDrippingConnections) {
   }
 }
 
+TEST(HTTPServer, ClosesIdleConnectionsWhenItIsFull) {
+  HTTPLimits limits;
+  limits.maxConnections = 2;
+  limits.idleTimeoutWhenFull = {};
+  HTTPServer server({[](const Request&, const ResponseCallback& done) {
+                       done({200, "", "page"});
+                     },
+                     [](const Request&, int status, const std::string&) {
+                       return Response{status, "", ""};
+                     }},
+                    limits);
+  const std::string port = std::to_string(server.Listen("127.0.0.1", 0));
+  std::thread thread([&] { server.Run({}); });
+  std::list<tcp::iostream> idle;
+  for (int i = 0; i < 4; ++i) idle.emplace_back("127.0.0.1", port);
+  tcp::iostream stream("127.0.0.1", port);
+  stream << "GET / HTTP/1.0\r\n\r\n" << std::flush;
+  EXPECT_EQ(ParseResponse(ReadAll(stream)).text, "page");
+  server.Stop();
+  thread.join();
+}
+
 TEST(HTTPServer, BoundsUnsentResponses) {
   const std::string page(1000, 'x');
   HTTPLimits limits;
