@@ -1,5 +1,6 @@
 // A company phone book for the phones of all makers that libteleform knows.
 #include <malloc.h>
+#include <poll.h>
 #include <signal.h>  // NOLINT(modernize-deprecated-headers): sigwait is POSIX
 #include <sys/resource.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -149,7 +151,11 @@ void LimitConnections(phonebook::ServerOptions& options) {
                      "open files is " + std::to_string(files.rlim_cur));
 }
 
+// A full pipe that nobody reads must not keep the server from starting.
 void PrintAddresses(const std::string& host) {
+  constexpr int kTimeout = 100;  // milliseconds
+  pollfd file{STDOUT_FILENO, POLLOUT, 0};
+  if (poll(&file, 1, kTimeout) <= 0) return;
   std::cout << "phonebook: listening on " << host << "; for each maker, try\n";
   std::istringstream addresses(phonebook::Addresses("http://" + host));
   for (std::string address; std::getline(addresses, address);) {
@@ -200,6 +206,8 @@ int Fail(const std::string& reason) {
 int main(int argc, char** argv) {
   try {
     return Main(argc, argv);
+  } catch (const std::filesystem::filesystem_error& error) {
+    return Fail(error.what());
   } catch (const std::system_error& error) {
     return Fail("can't create a thread: " + error.code().message());
   } catch (const std::exception& error) {
