@@ -120,6 +120,9 @@ PGconn* PostgreSQLLogin::Connect() {
   values.push_back(nullptr);
   PGconn* const connection = PQconnectStartParams(keywords.data(), values.data(), 1);
   if (connection == nullptr) return Fail(connection, "out of memory");
+  // libpq would write them to stderr, and wait for whoever reads it. The server has logged them.
+  PQsetNoticeReceiver(
+      connection, [](void*, const PGresult*) {}, nullptr);
   if (PQstatus(connection) == CONNECTION_BAD) {
     return Fail(connection, FirstLine(PQerrorMessage(connection)));
   }
