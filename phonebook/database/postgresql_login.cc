@@ -95,9 +95,12 @@ void PostgreSQLLogin::Open(soci::session& session, const std::string& theURI) {
     // SOCI takes anything for a connection string that has an =.
     session.open(soci::postgresql, "dbname=");
   } catch (const soci::soci_error& error) {
+    // SOCI forgets the connection when its own first statement fails.
+    PQfinish(std::exchange(unowned, nullptr));
     const std::string reason = failure.empty() ? FirstLine(error.get_error_message()) : failure;
     throw DatabaseUnavailable(WithoutPassword(reason, password));
   }
+  unowned = nullptr;
   if (std::exchange(pendingLogin, nullptr) != nullptr) {
     throw std::logic_error("SOCI doesn't connect by PQconnectdb");
   }
@@ -136,6 +139,7 @@ PGconn* PostgreSQLLogin::Connect() {
   if (isShutDown) ShutDown();  // which didn't see the socket
   const char* const encoding = PQparameterStatus(connection, "server_encoding");
   isUTF8 = encoding != nullptr && std::string(encoding) == "UTF8";
+  unowned = connection;
   return connection;
 }
 

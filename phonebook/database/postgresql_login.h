@@ -39,6 +39,7 @@ class PostgreSQLLogin {
   std::atomic<bool> isShutDown = false;
   // Duplicated: libpq may close its own while another thread uses it.
   std::atomic<int> socket = -1;
+  PGconn* unowned = nullptr;  // until SOCI has it
   bool isUTF8 = false;
 };
 
