@@ -45,8 +45,9 @@ std::string AllKeys(const Contact& contact) {
 }
 
 std::vector<std::string> SearchKeys(const std::string& allKeys, const std::string& collationKey) {
+  constexpr std::size_t kMaxKeys = 2000;  // more than a contact has; other programs may write any
   std::vector<std::string> keys;
-  for (std::size_t begin = 0; begin < allKeys.size();) {
+  for (std::size_t begin = 0; begin < allKeys.size() && keys.size() < kMaxKeys;) {
     const std::size_t end = std::min(allKeys.find(kWordMark, begin + 1), allKeys.size());
     std::string key = allKeys.substr(begin + 1, end - begin - 1);
     if (collationKey.compare(0, key.size(), key) != 0) keys.push_back(std::move(key));
