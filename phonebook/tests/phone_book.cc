@@ -29,17 +29,16 @@ TemporaryDirectory::TemporaryDirectory() {
   fs::permissions(path, fs::perms::owner_all | fs::perms::others_exec);
 }
 
-Cluster::Cluster() : port(FreePort()) {
-  if (Command("make")) Command("start");
-}
+Cluster::Cluster() : port(FreePort()) { isUsable = Command("make") && Command("start"); }
 
 bool Cluster::Command(const std::string& command) {
   const fs::path log = directory.path / "command.log";
-  isUsable = std::system((TEMPORARY_POSTGRESQL " " + command + " " + directory.path.string() + " " +
-                          std::to_string(port) + " >" + log.string() + " 2>&1")
-                             .c_str()) == 0;
-  if (!isUsable) reason = command + ": " + ContentOf(log);
-  return isUsable;
+  const bool hasSucceeded =
+      std::system((TEMPORARY_POSTGRESQL " " + command + " " + directory.path.string() + " " +
+                   std::to_string(port) + " >" + log.string() + " 2>&1")
+                      .c_str()) == 0;
+  if (!hasSucceeded) reason = command + ": " + ContentOf(log);
+  return hasSucceeded;
 }
 
 std::string Cluster::URIOf(const std::string& database) const {
