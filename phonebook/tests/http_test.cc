@@ -163,7 +163,6 @@ TEST_P(PhoneBookOnSQLite, ServesBesideIdleAndDrippingConnections) {
     *dripping.back() << "GET /snom/" << std::flush;
   }
   EXPECT_EQ(server->Get("/snom/directory").status, 200);
-  EXPECT_FALSE(server->IsLogged("408"));  // yet
   for (auto& stream : dripping) {
     EXPECT_EQ(ParseResponse(ReadAll(*stream)).status, 408);
   }
