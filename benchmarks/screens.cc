@@ -53,15 +53,13 @@ void WriteWithKeys(const List& list, std::string& out) {
 void WriteHTML(const List& list, std::string& out) {
   std::string links;
   const auto link = [&links](const std::string& uri, std::string_view text) {
-    links += "<a href=\"" + EscapeXML(uri) + "\">" + EscapeXML(text) + "</a>";
+    links += "<a href=\"" + EscapeXML(uri) + "\">" + EscapeXML(text) + "</a><br/>\n";
   };
   for (const auto& person : list.people) {
     link("tel:" + teleform::screens::PercentEncode(person.telephone, "+*:@"), person.name);
-    links += " <br/>\n";
   }
   for (const auto& [uri, text] : {std::pair{list.previous, "Previous"}, {list.next, "Next"}}) {
     link(uri, text);
-    links += "<br/>\n";
   }
   PolycomIPPhoneTextScreen document(EscapeXML(list.title));
   document.SetText(links);
