@@ -16,6 +16,16 @@ struct Allocations {
   static Allocations& StartCounting(std::size_t failAt = 0);
 };
 
+// Compilers and libraries that leak by themselves: GCC before 12 doesn't destroy the members of an
+// aggregate whose initialization throws, and the vector of libc++ before 16 its memory when a copied
+// element throws.
+#if (defined(__GNUC__) && !defined(__clang__) && __GNUC__ < 12) || \
+    (defined(_LIBCPP_VERSION) && _LIBCPP_VERSION < 16000)
+constexpr bool kToolchainLeaks = true;
+#else
+constexpr bool kToolchainLeaks = false;
+#endif
+
 // Runs `action` with memory running out at each of its allocations, until it succeeds. A failure
 // must leave nothing allocated and what `expectUnchanged` tests.
 // @return the number of failures.
@@ -29,7 +39,8 @@ inline std::size_t FailEachAllocation(
       Allocations::StartCounting();
       return failures;
     } catch (const std::bad_alloc&) {
-      EXPECT_EQ(Allocations::StartCounting().live, before) << failures;
+      const long after = Allocations::StartCounting().live;
+      EXPECT_TRUE(after == before || kToolchainLeaks) << failures << ": " << after - before;
       expectUnchanged();
     }
   }
