@@ -17,8 +17,8 @@ struct Allocations {
 };
 
 // Compilers and libraries that leak by themselves: GCC before 12 doesn't destroy the members of an
-// aggregate whose initialization throws, and the vector of libc++ before 16 its memory when a copied
-// element throws.
+// aggregate whose initialization throws, and the vector of libc++ before 16 its memory when a
+// copied element throws.
 #if (defined(__GNUC__) && !defined(__clang__) && __GNUC__ < 12) || \
     (defined(_LIBCPP_VERSION) && _LIBCPP_VERSION < 16000)
 constexpr bool kToolchainLeaks = true;
