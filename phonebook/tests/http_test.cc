@@ -5,6 +5,7 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <regex>
 #include <sstream>
 #include <string>
@@ -174,58 +175,57 @@ TEST_P(PhoneBookOnSQLite, ServesBesideIdleAndDrippingConnections) {
   }
 }
 
-TEST(HTTPServer, ClosesIdleConnectionsWhenItIsFull) {
+// A server in this process, whose pages are all `page`.
+class HTTPServerInThread : public testing::Test {
+ protected:
+  void Start(const HTTPLimits& limits) {
+    server.emplace(HTTPHandlers{[this](const Request&, const ResponseCallback& done) {
+                                  done({200, "text/plain", page});
+                                },
+                                [](const Request&, int status, const std::string& cause) {
+                                  return Response{status, "text/plain", cause};
+                                }},
+                   limits);
+    port = std::to_string(server->Listen("127.0.0.1", 0));
+    thread = std::thread([this] { server->Run({}); });
+  }
+  void TearDown() override {
+    server->Stop();
+    thread.join();
+  }
+  int Get() const {
+    tcp::iostream stream("127.0.0.1", port);
+    stream << "GET / HTTP/1.0\r\n\r\n" << std::flush;
+    return ParseResponse(ReadAll(stream)).status;
+  }
+
+  std::string page = std::string(1000, 'x');
+  std::optional<HTTPServer> server;
+  std::string port;
+  std::thread thread;
+};
+
+TEST_F(HTTPServerInThread, ClosesIdleConnectionsWhenItIsFull) {
   HTTPLimits limits;
   limits.maxConnections = 2;
   limits.idleTimeoutWhenFull = {};
-  HTTPServer server({[](const Request&, const ResponseCallback& done) {
-                       done({200, "", "page"});
-                     },
-                     [](const Request&, int status, const std::string&) {
-                       return Response{status, "", ""};
-                     }},
-                    limits);
-  const std::string port = std::to_string(server.Listen("127.0.0.1", 0));
-  std::thread thread([&] { server.Run({}); });
+  Start(limits);
   std::list<tcp::iostream> idle;
   for (int i = 0; i < 4; ++i) idle.emplace_back("127.0.0.1", port);
-  tcp::iostream stream("127.0.0.1", port);
-  stream << "GET / HTTP/1.0\r\n\r\n" << std::flush;
-  EXPECT_EQ(ParseResponse(ReadAll(stream)).text, "page");
-  server.Stop();
-  thread.join();
+  EXPECT_EQ(Get(), 200);
 }
 
-TEST(HTTPServer, BoundsUnsentResponses) {
-  const std::string page(1000, 'x');
+TEST_F(HTTPServerInThread, BoundsUnsentResponses) {
   HTTPLimits limits;
   limits.maxUnsent = 3000;
   limits.maxSmall = 900;
-  std::size_t size = 1;  // of the next response, in pages
-  HTTPServer server({[&](const Request&, const ResponseCallback& done) {
-                       std::string body;
-                       for (std::size_t i = 0; i < size; ++i) body += page;
-                       done({200, "text/plain", body});
-                     },
-                     [](const Request&, int status, const std::string& cause) {
-                       return Response{status, "text/plain", cause};
-                     }},
-                    limits);
-  const int port = server.Listen("127.0.0.1", 0);
-  std::thread thread([&] { server.Run({}); });
-  const auto get = [&] {
-    tcp::iostream stream("127.0.0.1", std::to_string(port));
-    stream << "GET / HTTP/1.0\r\n\r\n" << std::flush;
-    return ParseResponse(ReadAll(stream)).status;
-  };
-  EXPECT_EQ(get(), 200);
-  EXPECT_EQ(get(), 200);  // the first one is sent
-  size = 2;
-  EXPECT_EQ(get(), 503);
-  size = 0;
-  EXPECT_EQ(get(), 200);
-  server.Stop();
-  thread.join();
+  Start(limits);
+  EXPECT_EQ(Get(), 200);
+  EXPECT_EQ(Get(), 200);  // the first one is sent
+  page.resize(2000);
+  EXPECT_EQ(Get(), 503);
+  page.clear();
+  EXPECT_EQ(Get(), 200);
 }
 
 }  // namespace

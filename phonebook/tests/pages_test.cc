@@ -265,6 +265,11 @@ TEST_P(PhoneBook, ServesWellFormedPagesOfHostileContacts) {
   *session << "SELECT max(id) FROM contacts", soci::into(id);
   EXPECT_TRUE(shows("/cisco/contact/" + std::to_string(id), kMaxShownCharacters));
 }
+
+INSTANTIATE_TEST_SUITE_P(On, PhoneBook, testing::Values("SQLite", "PostgreSQL"), NameOf);
+INSTANTIATE_TEST_SUITE_P(Only, PhoneBookOnSQLite, testing::Values("SQLite"), NameOf);
+INSTANTIATE_TEST_SUITE_P(Only, PhoneBookOnPostgreSQL, testing::Values("PostgreSQL"), NameOf);
+
 }  // namespace
 
 }  // namespace phonebook::tests
