@@ -16,17 +16,6 @@ struct Allocations {
   static Allocations& StartCounting(std::size_t failAt = 0);
 };
 
-// Toolchains with which memory leaks when it runs out, in the library as well: GCC before 12
-// doesn't destroy the members of an aggregate whose initialization throws, as in the setters of the
-// Aastra input, the Aastra status and the Snom input. With libc++ before 16, composing screens
-// leaks.
-#if (defined(__GNUC__) && !defined(__clang__) && __GNUC__ < 12) || \
-    (defined(_LIBCPP_VERSION) && _LIBCPP_VERSION < 16000)
-constexpr bool kToolchainLeaks = true;
-#else
-constexpr bool kToolchainLeaks = false;
-#endif
-
 // Runs `action` with memory running out at each of its allocations, until it succeeds. A failure
 // must leave nothing allocated and what `expectUnchanged` tests.
 // @return the number of failures.
@@ -41,7 +30,7 @@ inline std::size_t FailEachAllocation(
       return failures;
     } catch (const std::bad_alloc&) {
       const long after = Allocations::StartCounting().live;
-      EXPECT_TRUE(after == before || kToolchainLeaks) << failures << ": " << after - before;
+      EXPECT_EQ(after, before) << failures;
       expectUnchanged();
     }
   }

@@ -46,40 +46,45 @@ const std::vector<SampleText> kSampleTexts = {
     {"caf\xe9 \xe2\x82", "caf\uFFFD \uFFFD\uFFFD", "caf%E9%20%E2%82"},
 };
 
-// A screen whose texts and URIs are all `text`.
+// Composes for a maker a screen whose texts and URIs are all the same.
+using Compose = std::function<Document(Maker)>;
+using Keys = std::vector<SoftKey>;
 struct SampleScreen {
   const char* name;
-  std::function<Document(Maker, const std::string& text, const std::vector<SoftKey>& keys)> compose;
+  std::function<Compose(const std::string& text, const Keys& keys)> make;
 };
+template <typename Screen>
+SampleScreen Sample(const char* name, Document (*compose)(Maker, const Screen&),
+                    Screen (*fill)(const std::string& text, const Keys& keys)) {
+  return {name, [=](const auto& text, const auto& keys) {
+            return [=, screen = fill(text, keys)](Maker maker) { return compose(maker, screen); };
+          }};
+}
 const std::vector<SampleScreen> kSampleScreens = {
-    {"menu",
-     [](Maker maker, const auto& text, const auto& keys) {
-       return ComposeMenu(maker, {text, {{text, text}, {text, text}}, keys, text, text});
-     }},
-    {"list",
-     [](Maker maker, const auto& text, const auto& keys) {
-       return ComposeList(maker, {text, {{text, text, text}}, keys, text, text});
-     }},
-    {"text",
-     [](Maker maker, const auto& text, const auto& keys) {
-       return ComposeText(maker, {text, {text, text}, text, keys});
-     }},
-    {"form",
-     [](Maker maker, const auto& text, const auto& keys) {
-       return ComposeForm(maker, {text, text, text, text, text, keys});
-     }},
-    {"call",
-     [](Maker maker, const auto& text, const auto& keys) {
-       return ComposeCall(maker, {{text, text, text}, keys});
-     }},
-    {"alert",
-     [](Maker maker, const auto& text, const auto& keys) {
-       return ComposeAlert(maker, {{text, {text, text}, text, keys}, true, text, 30});
-     }},
-};
+    Sample<Menu>("menu", ComposeMenu,
+                 [](const auto& t, const auto& keys) {
+                   return Menu{t, {{t, t}, {t, t}}, keys, t, t};
+                 }),
+    Sample<List>("list", ComposeList,
+                 [](const auto& t, const auto& keys) {
+                   return List{t, {{t, t, t}}, keys, t, t};
+                 }),
+    Sample<Text>("text", ComposeText,
+                 [](const auto& t, const auto& keys) {
+                   return Text{t, {t, t}, t, keys};
+                 }),
+    Sample<Form>("form", ComposeForm,
+                 [](const auto& t, const auto& keys) { return Form{t, t, t, t, t, keys}; }),
+    Sample<Call>("call", ComposeCall,
+                 [](const auto& t, const auto& keys) {
+                   return Call{{t, t, t}, keys};
+                 }),
+    Sample<Alert>("alert", ComposeAlert, [](const auto& t, const auto& keys) {
+      return Alert{{t, {t, t}, t, keys}, true, t, 30};
+    })};
 
 // One key for the phone's own action, and one that loads `text`.
-std::vector<SoftKey> SampleKeys(const std::string& text) {
+Keys SampleKeys(const std::string& text) {
   return {{SoftKeyRole::kSelect}, {SoftKeyRole::kHome, text, text}};
 }
 
@@ -191,7 +196,7 @@ TEST(Screens, BecomeTheNearestDocumentOfEachMakerWhateverTheyHold) {
     for (const auto& screen : kSampleScreens) {
       for (const auto& maker : AllMakers()) {
         SCOPED_TRACE(screen.name + " for "s + std::string(maker.name) + ": " + sample.text);
-        const auto document = screen.compose(maker.maker, sample.text, SampleKeys(sample.text));
+        const auto document = screen.make(sample.text, SampleKeys(sample.text))(maker.maker);
         EXPECT_EQ(document == nullptr ? "" : RenderToString(*document),
                   ExpectedDocument(screen.name, maker, sample));
       }
@@ -214,13 +219,13 @@ TEST(Screens, HaveOptionalParts) {
 TEST(Screens, RefuseWhatIsOutsideTheEnumerations) {
   for (const auto& screen : kSampleScreens) {
     for (const int maker : {-1, static_cast<int>(AllMakers().size())}) {
-      EXPECT_THROW(screen.compose(static_cast<Maker>(maker), "", {}), std::invalid_argument);
+      EXPECT_THROW(screen.make("", {})(static_cast<Maker>(maker)), std::invalid_argument);
     }
     for (const auto& facts : AllMakers()) {
-      if (screen.compose(facts.maker, "", {}) == nullptr) continue;
+      if (screen.make("", {})(facts.maker) == nullptr) continue;
       for (const int role : {-1, static_cast<int>(SoftKeyRole::kExit) + 1}) {
         const SoftKey key = {static_cast<SoftKeyRole>(role), "", "label"};
-        EXPECT_THROW(screen.compose(facts.maker, "", {key}), std::invalid_argument)
+        EXPECT_THROW(screen.make("", {key})(facts.maker), std::invalid_argument)
             << screen.name << " for " << facts.name;
       }
     }
@@ -354,8 +359,9 @@ const std::string kLong(100, '&');
 TEST(Memory, RunsOutWithoutATrace) {
   const auto keys = SampleKeys(kLong);
   for (const auto& screen : kSampleScreens) {
+    const Compose compose = screen.make(kLong, keys);
     for (const auto& maker : AllMakers()) {
-      EXPECT_GT(FailEachAllocation([&] { screen.compose(maker.maker, kLong, keys); }), 0U);
+      EXPECT_GT(FailEachAllocation([&] { compose(maker.maker); }), 0U);
     }
   }
   EXPECT_GT(FailEachAllocation([] { EscapeXML(kLong); }), 0U);

@@ -1,6 +1,8 @@
 #include <teleform/aastra/elements.h>
 #include <teleform/aastra/input.h>
 
+#include <utility>
+
 AastraIPPhoneInput::AastraIPPhoneInput(const std::string& theTitle, const std::string& theType,
                                        bool thePassword)
     : IPPhoneInputXML(theTitle.c_str()), password(thePassword), type(theType) {}
@@ -10,7 +12,13 @@ AastraIPPhoneInput::~AastraIPPhoneInput() = default;
 bool AastraIPPhoneInput::SetParams(const std::string& prompt, const std::string& url,
                                    const std::string& parameter, const std::string& defaultValue) {
   if (prompt.empty() || url.empty() || parameter.empty()) return false;
-  params = Params{prompt, url, parameter, defaultValue};
+  // Field by field: GCC 11 leaks the members of an aggregate whose initialization throws.
+  Params filled;
+  filled.prompt = prompt;
+  filled.URL = url;
+  filled.parameter = parameter;
+  filled.defaultValue = defaultValue;
+  params = std::move(filled);
   return true;
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstring>
 #include <locale>
+#include <utility>
 
 namespace teleform {
 
@@ -47,7 +48,14 @@ AastraIPPhoneStatus::~AastraIPPhoneStatus() = default;
 
 void AastraIPPhoneStatus::SetMessage(const std::string& session, const std::string& theMessage,
                                      int index, MsgType type, int timeout) {
-  message = Message{type, session, theMessage, index, timeout};
+  // Field by field: GCC 11 leaks the members of an aggregate whose initialization throws.
+  Message filled;
+  filled.type = type;
+  filled.session = session;
+  filled.text = theMessage;
+  filled.index = index;
+  filled.timeout = timeout;
+  message = std::move(filled);
 }
 
 void AastraIPPhoneStatus::Render(std::string& out) {

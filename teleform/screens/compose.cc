@@ -268,7 +268,13 @@ Document ComposeForm(Maker maker, const Form& form) {
 
 Document ComposeCall(Maker maker, const Call& call) {
   const Person& person = call.person;
-  if (maker != Maker::kAastra) return ComposeList(maker, {person.name, {person}, call.keys});
+  if (maker != Maker::kAastra) {
+    List list;  // filled in steps: GCC 11 and libc++ 14 leak an aggregate that is half initialized
+    list.title = person.name;
+    list.people.push_back(person);
+    list.keys = call.keys;
+    return ComposeList(maker, list);
+  }
   // Percent-encoding leaves nothing to escape.
   auto execute = std::make_unique<AastraIPPhoneExecute>(MakeCallURI("Dial:", person.telephone));
   AddKeys(*execute, call.keys);

@@ -1,6 +1,8 @@
 #include <teleform/core/elements.h>
 #include <teleform/snom/input.h>
 
+#include <utility>
+
 SnomIPPhoneInput::SnomIPPhoneInput(const std::string& theTitle, const std::string& theInputFlags)
     : IPPhoneInputXML(theTitle.c_str()), inputFlags(theInputFlags) {}
 
@@ -9,7 +11,13 @@ SnomIPPhoneInput::~SnomIPPhoneInput() = default;
 bool SnomIPPhoneInput::SetParams(const std::string& prompt, const std::string& url,
                                  const std::string& parameter, const std::string& defaultValue) {
   if (prompt.empty() || url.empty() || parameter.empty()) return false;
-  params = Params{prompt, url, parameter, defaultValue};
+  // Field by field: GCC 11 leaks the members of an aggregate whose initialization throws.
+  Params filled;
+  filled.prompt = prompt;
+  filled.URL = url;
+  filled.queryStringParam = parameter;
+  filled.defaultValue = defaultValue;
+  params = std::move(filled);
   return true;
 }
 
