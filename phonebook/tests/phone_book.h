@@ -41,10 +41,11 @@ class TemporaryDirectory : boost::noncopyable {
 class Cluster : boost::noncopyable {
  public:
   Cluster() {
-    boost::asio::io_context context;
-    const boost::asio::ip::tcp::acceptor free(context,
-                                              {boost::asio::ip::address_v4::loopback(), 0});
-    port = free.local_endpoint().port();
+    {
+      boost::asio::io_context context;
+      boost::asio::ip::tcp::acceptor free(context, {boost::asio::ip::address_v4::loopback(), 0});
+      port = free.local_endpoint().port();
+    }
     isUsable = Command("make") && Command("start");
   }
   ~Cluster() { Command("stop"); }
