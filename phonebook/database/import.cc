@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "phonebook/collation.h"
-#include "phonebook/database/connection.h"
+#include "phonebook/database/bulk_statement.h"
 #include "phonebook/database/search_index.h"
 
 namespace phonebook {
@@ -18,67 +18,17 @@ constexpr const char* kNotices =
     " ('message', 'Lunch today: soup & bread.\nThe canteen is open from 11:30 to 14:00.'),"
     " ('alert', 'Fire drill at noon. Please use the stairs.')";
 
-// Inserts many rows by one prepared statement: SQLite row by row, PostgreSQL, where each statement
-// is a round trip, by arrays of many rows.
-class BulkInsert {
+// An insertion of many rows into a table.
+class BulkInsert : public BulkStatement {
  public:
-  struct Field {
-    const char* name;
-    const char* type;
-  };
-
   BulkInsert(soci::session& session, const Dialect& dialect, const std::string& table,
              const std::vector<Field>& fields)
-      : isByArrays(dialect.isPostgreSQL), values(fields.size()), statement(session) {
-    std::string names, parameters;
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-      const std::string parameter = ":field" + std::to_string(i);
-      names += (i == 0 ? "" : ", ") + std::string(fields[i].name);
-      parameters +=
-          (i == 0 ? "" : ", ") +
-          (isByArrays ? "CAST(" + parameter + " AS " + fields[i].type + "[])" : parameter);
-      statement.exchange(soci::use(values[i], parameter.substr(1)));
-    }
-    Prepare(statement, "INSERT INTO " + table + " (" + names + ") " +
-                           (isByArrays ? "SELECT * FROM unnest(" : "VALUES (") + parameters + ")");
-  }
-
-  void Add(const std::vector<std::string_view>& row) {
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      if (isByArrays) {
-        AppendElement(row[i], values[i]);
-      } else {
-        values[i] = row[i];
-      }
-    }
-    constexpr std::size_t kRowsOfArray = 2000;
-    if (++rows == (isByArrays ? kRowsOfArray : 1)) Flush();
-  }
-
-  void Flush() {
-    if (rows == 0) return;
-    for (auto& value : values) {
-      if (isByArrays) value += '}';
-    }
-    statement.execute(true);
-    for (auto& value : values) value.clear();
-    rows = 0;
-  }
-
- private:
-  static void AppendElement(std::string_view text, std::string& array) {
-    array += array.empty() ? "{\"" : ",\"";
-    for (const char character : text) {
-      if (character == '"' || character == '\\') array += '\\';
-      array += character;
-    }
-    array += '"';
-  }
-
-  bool isByArrays;
-  std::size_t rows = 0;
-  std::vector<std::string> values;
-  soci::statement statement;
+      : BulkStatement(session, dialect, fields, [&](const Rows& rows) {
+          std::string names;
+          for (const auto& field : fields)
+            names += (names.empty() ? "" : ", ") + std::string(field.name);
+          return "INSERT INTO " + table + " (" + names + ") " + rows.values;
+        }) {}
 };
 
 // Calls the reporter after every so many small steps.
@@ -170,7 +120,7 @@ void Import(soci::session& session, const Dialect& dialect, const std::vector<Co
   const SearchKeyRows keys = SortedSearchKeys(rows, progress);
   progress.total = rows.size() + keys.size();
 
-  std::vector<BulkInsert::Field> fields = {{"id", "BIGINT"}};
+  std::vector<BulkStatement::Field> fields = {{"id", "BIGINT"}};
   for (const auto& column : kColumns) fields.push_back({column.name, "TEXT"});
   for (const char* key : {"collation_key", "all_keys"}) fields.push_back({key, "TEXT"});
   fields.push_back({"is_indexed", "BOOLEAN"});

@@ -14,22 +14,48 @@ namespace {
 
 constexpr std::size_t kMaxPending = 500;  // in one transaction
 
-std::string Pending(const std::string& columns, const std::string& from) {
-  return "SELECT id, " + columns + " FROM " + from + " ORDER BY id LIMIT " +
-         std::to_string(kMaxPending);
+std::string Pending(const std::string& columns, const std::string& from, std::size_t size) {
+  return "SELECT id, " + columns + " FROM " + from + " ORDER BY id LIMIT " + std::to_string(size);
 }
-std::string PendingChanged() {
+std::string PendingChanged(std::size_t size) {
   std::string columns = "id, COALESCE(collation_key, ''), COALESCE(all_keys, '')";
   for (const auto& column : kColumns) {  // as far as it counts; an empty blob makes NULL
     columns += ", COALESCE(substr(" + std::string(column.name) + ", 1, " +
                std::to_string(kMaxKeyCharacters) + "), '')";
   }
-  return Pending(columns, "contacts WHERE is_indexed = FALSE");
+  return Pending(columns, "contacts WHERE is_indexed = FALSE", size);
 }
-std::string PendingRemoved() {
+std::string PendingRemoved(std::size_t size) {
   std::string columns = "COALESCE(contact, 0), COALESCE(collation_key, ''), COALESCE(all_keys, '')";
   for (std::size_t i = 0; i < kColumns.size(); ++i) columns += ", ''";
-  return Pending(columns, "removed_contacts");
+  return Pending(columns, "removed_contacts", size);
+}
+
+constexpr BulkStatement::Field kId = {"id", "BIGINT"};
+constexpr BulkStatement::Field kContact = {"contact", "BIGINT"};
+constexpr BulkStatement::Field kKey = {"key", "TEXT"};
+constexpr BulkStatement::Field kCollationKey = {"collation_key", "TEXT"};
+constexpr BulkStatement::Field kAllKeys = {"all_keys", "TEXT"};
+
+using Rows = BulkStatement::Rows;
+
+std::string DeleteKeysSQL(const Rows& rows) {
+  return "DELETE FROM search_keys WHERE (key, collation_key, contact) " + rows.isAmong;
+}
+std::string InsertKeysSQL(const Rows& rows) {
+  return "INSERT INTO search_keys (key, collation_key, contact, all_keys) " + rows.values +
+         " ON CONFLICT (key, collation_key, contact) DO UPDATE SET all_keys = excluded.all_keys";
+}
+std::string MarkIndexedSQL(const Rows& rows) {
+  return "UPDATE contacts SET collation_key = r.collation_key, all_keys = r.all_keys,"
+         " is_indexed = TRUE FROM " +
+         rows.table + " WHERE contacts.id = r.id";
+}
+std::string MarkPendingSQL(const Rows& rows) {
+  return "UPDATE contacts SET is_indexed = FALSE WHERE (id) " + rows.isAmong;
+}
+std::string DeleteRemovedSQL(const Rows& rows) {
+  return "DELETE FROM removed_contacts WHERE (id) " + rows.isAmong;
 }
 
 }  // namespace
@@ -76,27 +102,15 @@ std::vector<PendingContact> SearchIndexer::PendingQuery::Run() {
 SearchIndexer::SearchIndexer(soci::session& theSession, const Dialect& theDialect)
     : session(theSession),
       dialect(theDialect),
-      findRemoved(session, PendingRemoved()),
-      findChanged(session, PendingChanged()),
-      lockRemoved(session, PendingRemoved() + dialect.lockRows),
-      lockChanged(session, PendingChanged() + dialect.lockRows),
-      deleteKey((session.prepare << "DELETE FROM search_keys WHERE key = :key"
-                                    " AND collation_key = :collation_key AND contact = :contact",
-                 soci::use(key), soci::use(row.collationKey), soci::use(row.contact))),
-      insertKey((session.prepare << "INSERT INTO search_keys"
-                                    " (key, collation_key, contact, all_keys)"
-                                    " VALUES (:key, :collation_key, :contact, :all_keys)"
-                                    " ON CONFLICT (key, collation_key, contact)"
-                                    " DO UPDATE SET all_keys = excluded.all_keys",
-                 soci::use(key), soci::use(row.collationKey), soci::use(row.contact),
-                 soci::use(row.allKeys))),
-      markIndexed((session.prepare << "UPDATE contacts SET collation_key = :collation_key,"
-                                      " all_keys = :all_keys, is_indexed = TRUE WHERE id = :id",
-                   soci::use(row.collationKey), soci::use(row.allKeys), soci::use(row.id))),
-      markPending((session.prepare << "UPDATE contacts SET is_indexed = FALSE WHERE id = :contact",
-                   soci::use(row.contact))),
-      deleteRemoved(
-          (session.prepare << "DELETE FROM removed_contacts WHERE id = :id", soci::use(row.id))) {}
+      findRemoved(session, PendingRemoved(1)),
+      findChanged(session, PendingChanged(1)),
+      lockRemoved(session, PendingRemoved(kMaxPending) + dialect.lockRows),
+      lockChanged(session, PendingChanged(kMaxPending) + dialect.lockRows),
+      deleteKeys(session, dialect, {kKey, kCollationKey, kContact}, DeleteKeysSQL),
+      insertKeys(session, dialect, {kKey, kCollationKey, kContact, kAllKeys}, InsertKeysSQL),
+      markIndexed(session, dialect, {kId, kCollationKey, kAllKeys}, MarkIndexedSQL),
+      markPending(session, dialect, {kId}, MarkPendingSQL),
+      deleteRemoved(session, dialect, {kId}, DeleteRemovedSQL) {}
 
 bool SearchIndexer::IndexPending(std::chrono::milliseconds limit) {
   if (findRemoved.Run().empty() && findChanged.Run().empty()) return false;
@@ -112,34 +126,46 @@ bool SearchIndexer::IndexPending(std::chrono::milliseconds limit) {
 bool SearchIndexer::ForEach(PendingQuery& pending,
                             void (SearchIndexer::*work)(const PendingContact&),
                             Clock::time_point end) {
+  constexpr std::size_t kMaxKeys = 1000;  // between two looks at the clock
   const auto rows = pending.Run();
-  for (const auto& pendingRow : rows) {
-    if (Clock::now() > end) return true;
-    (this->*work)(pendingRow);
+  bool isInTime = true;
+  for (auto row = rows.begin(); row != rows.end() && isInTime; ++row) {
+    (this->*work)(*row);
+    if (deleteKeys.Size() + insertKeys.Size() >= kMaxKeys) Flush();
+    isInTime = Clock::now() <= end;
   }
-  return rows.size() == kMaxPending;
+  Flush();
+  return !isInTime || rows.size() == kMaxPending;
 }
 
 void SearchIndexer::Remove(const PendingContact& removed) {
-  row = removed;
-  markPending.execute(true);  // a contact that reuses the id, and may have some of the keys
-  ForSearchKeys(deleteKey);
-  deleteRemoved.execute(true);
+  // A contact that reuses the id, and may have some of the keys.
+  markPending.Add({std::to_string(removed.contact)});
+  DeleteKeys(removed);
+  deleteRemoved.Add({std::to_string(removed.id)});
 }
 
 void SearchIndexer::Index(const PendingContact& changed) {
-  row = changed;
-  ForSearchKeys(deleteKey);
-  row.collationKey = CollationKey(row.text.name);
-  row.allKeys = AllKeys(row.text);
-  markIndexed.execute(true);
-  ForSearchKeys(insertKey);
+  DeleteKeys(changed);
+  const std::string id = std::to_string(changed.id);
+  const std::string collationKey = CollationKey(changed.text.name);
+  const std::string allKeys = AllKeys(changed.text);
+  markIndexed.Add({id, collationKey, allKeys});
+  for (const auto& key : SearchKeys(allKeys, collationKey)) {
+    insertKeys.Add({key, collationKey, id, allKeys});
+  }
 }
 
-void SearchIndexer::ForSearchKeys(soci::statement& statement) {
-  for (auto& searchKey : SearchKeys(row.allKeys, row.collationKey)) {
-    key = std::move(searchKey);
-    statement.execute(true);
+void SearchIndexer::DeleteKeys(const PendingContact& old) {
+  for (const auto& key : SearchKeys(old.allKeys, old.collationKey)) {
+    deleteKeys.Add({key, old.collationKey, std::to_string(old.contact)});
+  }
+}
+
+// A contact may have the same key before and after: old keys go first.
+void SearchIndexer::Flush() {
+  for (auto* statement : {&markPending, &deleteKeys, &deleteRemoved, &markIndexed, &insertKeys}) {
+    statement->Flush();
   }
 }
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "phonebook/contacts.h"
+#include "phonebook/database/bulk_statement.h"
 #include "phonebook/database/schema.h"
 
 namespace phonebook {
@@ -59,14 +60,13 @@ class SearchIndexer {
   void Index(const PendingContact& changed);
   bool ForEach(PendingQuery& pending, void (SearchIndexer::*work)(const PendingContact&),
                Clock::time_point end);
-  void ForSearchKeys(soci::statement& statement);
+  void DeleteKeys(const PendingContact& old);
+  void Flush();
 
   soci::session& session;
   const Dialect& dialect;
-  PendingContact row{};  // the parameters of the statements
-  std::string key;
   PendingQuery findRemoved, findChanged, lockRemoved, lockChanged;
-  soci::statement deleteKey, insertKey, markIndexed, markPending, deleteRemoved;
+  BulkStatement deleteKeys, insertKeys, markIndexed, markPending, deleteRemoved;
 };
 
 }  // namespace phonebook
