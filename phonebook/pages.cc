@@ -334,6 +334,11 @@ std::vector<PageLink> AllPages() {
 
 bool IsPage(const std::vector<std::string>& path) { return FindPage(path) != nullptr; }
 
+bool IsSearch(const std::vector<std::string>& path) {
+  const PageFacts* const page = FindPage(path);
+  return page != nullptr && page->make == Search;
+}
+
 std::string HomeURI(const std::string& base, Maker maker) {
   return base + "/" + std::string(FactsOf(maker).slug) + "/";
 }

@@ -46,6 +46,9 @@ std::vector<PageLink> AllPages();
 /// Whether `path` is that of a page.
 bool IsPage(const std::vector<std::string>& path);
 
+/// Whether `path` is that of a search, which looks at many contacts.
+bool IsSearch(const std::vector<std::string>& path);
+
 /// The URI of the maker's home page.
 std::string HomeURI(const std::string& base, Maker maker);
 

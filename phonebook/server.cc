@@ -142,13 +142,14 @@ void Server::Serve(Request request, ResponseCallback done) {
     return;
   }
   const std::string client = request.client;
-  workers.Submit({[query = std::get<Query>(std::move(result))](Store& store) {
-                    return MakeResponse(200, *query(store));
+  auto& query = std::get<Query>(result);
+  workers.Submit({[compose = std::move(query.compose)](Store& store) {
+                    return MakeResponse(200, *compose(store));
                   },
                   [this, request = std::move(request)](const std::exception_ptr& error) {
                     return Fail(request, error);
                   },
-                  std::move(done), client});
+                  std::move(done), client, query.isSearch});
 }
 
 // Returns the response, or the query that it takes.
@@ -166,10 +167,11 @@ std::variant<Response, Server::Query> Server::Dispatch(const Request& request) c
     if (!IsPage(parsed.target->segments)) throw HTTPError(404, kNoPage);
     return MakeResponse(200, kPlainText, Addresses(parsed.base));
   }
+  const bool isSearch = IsSearch(parsed.target->segments);
   auto page = Route({*parsed.maker, std::move(parsed.base), std::move(parsed.target->segments),
                      std::move(parsed.target->params)});
   if (auto* document = std::get_if<Document>(&page)) return MakeResponse(200, **document);
-  return std::get<Query>(std::move(page));
+  return Query{std::get<std::function<Document(Store&)>>(std::move(page)), isSearch};
 }
 
 // Returns the error page of an exception, and logs it.

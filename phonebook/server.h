@@ -47,7 +47,10 @@ class Server {
   void Stop() { http.Stop(); }
 
  private:
-  using Query = std::function<Document(Store&)>;
+  struct Query {
+    std::function<Document(Store&)> compose;
+    bool isSearch;
+  };
 
   // A request, the client's maker and the URL that its links begin with.
   struct ParsedRequest {

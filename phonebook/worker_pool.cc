@@ -16,6 +16,8 @@ void FailUnserved(const Task& task) {
 }  // namespace
 
 WorkerPool::WorkerPool(const std::string& database, std::size_t size) : running(size) {
+  shortTasks.maxRunning = size;
+  longTasks.maxRunning = std::max<std::size_t>(size / 2, 1);
   for (std::size_t i = 0; i < size; ++i) workers.emplace_back(database);
   try {
     for (auto& worker : workers) {
@@ -48,6 +50,7 @@ bool WorkerPool::Queue(std::shared_ptr<QueuedTask>& queued) {
   const std::lock_guard lock(mutex);
   if (isStopping) return false;
   std::shared_ptr<QueuedTask> replaced;
+  auto& queue = LaneOf(*queued).queue;
   const bool isFull = queue.Size() >= kMaxQueue;
   if (isFull && !queue.PopFromLargest(queued->task.client, replaced)) return false;
   queue.Push(queued->task.client, queued);
@@ -65,8 +68,13 @@ std::shared_ptr<WorkerPool::QueuedTask> WorkerPool::NextTask(Worker& worker) {
   std::shared_ptr<QueuedTask> previous;  // is destroyed without the lock
   std::unique_lock lock(mutex);
   previous = std::exchange(worker.task, nullptr);
-  if (previous != nullptr) average += (worker.end - worker.begin - average) / 16;
-  while (queue.IsEmpty() && !isStopping) {
+  if (previous != nullptr) {
+    Lane& lane = LaneOf(*previous);
+    lane.average += (worker.end - worker.begin - lane.average) / 16;
+    --lane.running;
+  }
+  Lane* lane = nullptr;
+  while ((lane = NextLane()) == nullptr && !isStopping) {
     worker.isAsleep = true;
     worker.wake.wait(lock, [&] { return !worker.isAsleep || isStopping; });
   }
@@ -75,9 +83,20 @@ std::shared_ptr<WorkerPool::QueuedTask> WorkerPool::NextTask(Worker& worker) {
     ended.notify_all();
     return nullptr;
   }
-  worker.task = queue.Pop();
+  worker.task = lane->queue.Pop();
+  ++lane->running;
   worker.begin = Clock::now();
+  if (worker.task->task.isLong) WakeWorker();  // for short tasks, which don't wait for this one
   return worker.task;
+}
+
+// Returns the lane whose turn it is; null if no task may run.
+WorkerPool::Lane* WorkerPool::NextLane() {
+  Lane* lane = isLongNext ? &longTasks : &shortTasks;
+  if (!lane->IsReady()) lane = isLongNext ? &shortTasks : &longTasks;
+  if (!lane->IsReady()) return nullptr;
+  isLongNext = lane == &shortTasks;
+  return lane;
 }
 
 // Runs a task and finishes it, unless it has expired meanwhile.
@@ -108,12 +127,17 @@ void WorkerPool::WakeWorker() {
   for (auto& worker : workers) {
     if (worker.isAsleep) {
       if (sleeper == nullptr) sleeper = &worker;
-    } else if (worker.task == nullptr || now - worker.begin < kSoon) {
+    } else if (worker.task == nullptr ||
+               (!worker.task->task.isLong && now - worker.begin < kSoon)) {
       ++awake;
     }
   }
-  const auto wait = average * static_cast<int>(queue.Size());
-  if (queue.IsEmpty() || sleeper == nullptr || wait < awake * kSoon) return;
+  Clock::duration wait{};
+  for (const auto* lane : {&shortTasks, &longTasks}) {
+    if (lane->IsReady()) wait += lane->average * static_cast<int>(lane->queue.Size());
+  }
+  const bool isReady = shortTasks.IsReady() || longTasks.IsReady();
+  if (!isReady || sleeper == nullptr || wait < awake * kSoon) return;
   sleeper->isAsleep = false;
   sleeper->wake.notify_one();
 }
@@ -122,8 +146,10 @@ void WorkerPool::ExpireOverdue(Clock::time_point now) {
   std::vector<std::shared_ptr<QueuedTask>> expired;
   {
     const std::lock_guard lock(mutex);
-    queue.TakeLeading([now](const auto& queued) { return queued->deadline <= now; },
-                      [&](auto queued) { expired.push_back(std::move(queued)); });
+    for (auto* lane : {&shortTasks, &longTasks}) {
+      lane->queue.TakeLeading([now](const auto& queued) { return queued->deadline <= now; },
+                              [&](auto queued) { expired.push_back(std::move(queued)); });
+    }
     for (auto& worker : workers) {
       if (worker.task == nullptr || worker.task->deadline > now) continue;
       if (!worker.task->isFinished.exchange(true)) expired.push_back(worker.task);

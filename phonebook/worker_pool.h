@@ -33,17 +33,20 @@ struct Task {
   ResponseCallback done;
   /// The client that the task is for. Clients take turns.
   std::string client{};
+  /// Whether it takes milliseconds of the database. Others never wait for a worker until all of
+  /// these are done.
+  bool isLong = false;
 };
 
-/// Worker threads, one per connection to the database, fed by a bounded queue in which clients take
-/// turns.
+/// Worker threads, one per connection to the database, fed by two bounded queues in which clients
+/// take turns: one of long tasks, which occupy half of the workers at most, and one of the others.
 class WorkerPool {
  public:
   using Clock = std::chrono::steady_clock;
 
   /// The time for a task, including its time in the queue.
   static constexpr std::chrono::milliseconds kTimeout{2500};
-  static constexpr std::size_t kMaxQueue = 512;
+  static constexpr std::size_t kMaxQueue = 512;  ///< Of either queue.
 
   /// @throws std::system_error when a thread can't be created.
   WorkerPool(const std::string& database, std::size_t size);
@@ -51,7 +54,7 @@ class WorkerPool {
   /// Waits for the threads to end.
   ~WorkerPool();
 
-  /// Queues a task. If the queue is full, the last task of the client with the most tasks fails at
+  /// Queues a task. If its queue is full, the last task of the client with the most tasks fails at
   /// once, which may be this one; so does every task when the pool is stopped. May be called from
   /// any thread.
   void Submit(Task task);
@@ -70,6 +73,14 @@ class WorkerPool {
     Clock::time_point deadline;
     std::atomic<bool> isFinished = false;  // its response is delivered, or will be by one thread
   };
+  // The tasks of a kind.
+  struct Lane {
+    FairQueue<std::shared_ptr<QueuedTask>> queue;
+    Clock::duration average{};  // of the running time of tasks, without delivery
+    std::size_t running = 0;
+    std::size_t maxRunning = 0;
+    bool IsReady() const { return !queue.IsEmpty() && running < maxRunning; }
+  };
   struct Worker {
     explicit Worker(const std::string& database) : store(database) {}
     Store store;
@@ -86,14 +97,16 @@ class WorkerPool {
   std::shared_ptr<QueuedTask> NextTask(Worker& worker);
   static void Run(Worker& worker, QueuedTask& queued);
   bool Queue(std::shared_ptr<QueuedTask>& queued);
+  Lane& LaneOf(const QueuedTask& queued) { return queued.task.isLong ? longTasks : shortTasks; }
+  Lane* NextLane();
   void WakeWorker();
 
   std::mutex mutex;
   std::condition_variable ended;
-  FairQueue<std::shared_ptr<QueuedTask>> queue;
+  Lane shortTasks, longTasks;
+  bool isLongNext = false;
   std::deque<Worker> workers;
-  Clock::duration average{};  // of the running time of tasks, without delivery
-  std::size_t running = 0;    // workers
+  std::size_t running = 0;  // workers
   bool isStopping = false;
 };
 

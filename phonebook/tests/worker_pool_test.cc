@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <chrono>
 #include <exception>
 #include <functional>
@@ -31,7 +32,7 @@ class WorkerPoolWithGate : public testing::Test {
   ~WorkerPoolWithGate() override { Open(); }
 
   // A task that tells in `delivered` how it ends: by its name, and the message of an exception.
-  // Its client is the first character of its name.
+  // Its client is the first character of its name; a capital has long tasks.
   void Submit(
       const std::string& name, const std::function<void()>& run = [] {}) {
     pool.Submit({[name, run](Store&) {
@@ -49,7 +50,7 @@ class WorkerPoolWithGate : public testing::Test {
                    const std::lock_guard lock(mutex);
                    delivered += response.body + "\n";
                  },
-                 name.substr(0, 1)});
+                 name.substr(0, 1), std::isupper(name.front()) != 0});
   }
   void Open() {
     if (!std::exchange(isOpen, true)) gate.set_value();
@@ -85,12 +86,28 @@ TEST_F(WorkerPoolWithGate, LetsClientsTakeTurns) {
   Submit("b1");
   Submit("c1");
   Submit("b2");
+  for (const char* name : {"A1", "A2", "B1"}) Submit(name);
   EXPECT_EQ(Delivered(), "");
   Open();
   Finish();
   Finish();
   Finish();
-  EXPECT_EQ(Delivered(), "gate\na1\nb1\nc1\na2: failed\nb2\na3\n");
+  EXPECT_EQ(Delivered(), "gate\nA1\na1\nB1\nb1\nA2\nc1\na2: failed\nb2\na3\n");
+}
+
+TEST(WorkerPool, KeepsWorkersForShortTasks) {
+  std::promise<void> gate, isShortDone;
+  WorkerPool pool("never opened.db", 2);
+  const auto submit = [&](bool isLong, const std::function<void()>& run) {
+    pool.Submit({[run](Store&) { return run(), Response{}; },
+                 [](const std::exception_ptr&) { return Response{}; }, [](const Response&) {}, "",
+                 isLong});
+  };
+  const auto opened = gate.get_future().share();
+  for (int i = 0; i < 2; ++i) submit(true, [opened] { opened.wait(); });
+  submit(false, [&] { isShortDone.set_value(); });
+  EXPECT_EQ(isShortDone.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
+  gate.set_value();
 }
 
 TEST_F(WorkerPoolWithGate, BoundsItsQueue) {
