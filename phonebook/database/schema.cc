@@ -50,6 +50,11 @@ std::vector<SchemaObject> SQLiteTriggers() {
                                    IndexedColumns() + R"( ON contacts BEGIN
              UPDATE contacts SET is_indexed = FALSE WHERE id = NEW.id;
            END)"},
+          {"contacts_added", R"(
+           CREATE TRIGGER contacts_added AFTER INSERT ON contacts WHEN NEW.is_indexed <> FALSE
+           BEGIN
+             UPDATE contacts SET is_indexed = FALSE WHERE id = NEW.id;
+           END)"},
           {"contacts_removed", R"(
            CREATE TRIGGER contacts_removed AFTER DELETE ON contacts WHEN OLD.all_keys IS NOT NULL
            BEGIN
@@ -97,8 +102,8 @@ std::vector<SchemaObject> PostgreSQLTriggers() {
       " RETURNS trigger LANGUAGE plpgsql SECURITY DEFINER SET search_path FROM CURRENT AS ";
   return {{"contacts_changed", R"(
            CREATE OR REPLACE FUNCTION contacts_changed() RETURNS trigger LANGUAGE plpgsql AS
-             'BEGIN NEW.is_indexed = FALSE; RETURN NEW; END';
-           CREATE TRIGGER contacts_changed BEFORE UPDATE OF )" +
+             'BEGIN IF NEW.is_indexed THEN NEW.is_indexed = FALSE; END IF; RETURN NEW; END';
+           CREATE TRIGGER contacts_changed BEFORE INSERT OR UPDATE OF )" +
                                    IndexedColumns() + R"( ON contacts
              FOR EACH ROW EXECUTE FUNCTION contacts_changed())"},
           {"contacts_removed", "CREATE OR REPLACE FUNCTION contacts_removed()" + asOwner + R"(
@@ -194,7 +199,7 @@ const Dialect& DialectOf(const std::string& database) {
 int FindSchemaVersion(soci::session& session, const Dialect& dialect) {
   if (Count(session, dialect.countTables, "contacts") == 0) return 0;
   if (Count(session, dialect.countTables, "schema_version") == 0) return 1;
-  int version = 0;
+  long long version = 0;
   session << "SELECT COALESCE(max(version), 0) FROM schema_version", soci::into(version);
   if (version < 1) throw std::runtime_error("the table schema_version of the database is empty");
   if (version > kSchemaVersion) {
@@ -202,7 +207,7 @@ int FindSchemaVersion(soci::session& session, const Dialect& dialect) {
                              "; this program reads versions up to " +
                              std::to_string(kSchemaVersion));
   }
-  return version;
+  return static_cast<int>(version);
 }
 
 void CreateTables(soci::session& session, const Dialect& dialect) {
@@ -239,12 +244,14 @@ void UpgradeSchema(soci::session& session, const Dialect& dialect, int from) {
     }
   }
   for (const auto& trigger : dialect.triggers) {
-    session << "DROP TRIGGER " << trigger.name << dialect.onContacts;
+    session << "DROP TRIGGER IF EXISTS " << trigger.name << dialect.onContacts;
   }
   if (from == 1) {
     for (const auto& rename : dialect.renames) session << rename;
     session << "UPDATE contacts SET is_indexed = FALSE WHERE is_indexed = TRUE";  // by other keys
     CreateVersion(session, dialect);
+  } else {
+    session << "UPDATE contacts SET is_indexed = FALSE WHERE all_keys IS NULL";  // never indexed
   }
   for (const auto& column : kColumns) {
     if (column.since > from) session << "ALTER TABLE contacts ADD COLUMN " << Definition(column);

@@ -25,7 +25,7 @@
 namespace phonebook {
 
 /// The version that this program creates and reads. The shape without a version is version 1.
-constexpr int kSchemaVersion = 2;
+constexpr int kSchemaVersion = 3;
 
 /// A column of `contacts` that holds a field of `Contact`.
 struct Column {
