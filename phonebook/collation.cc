@@ -116,6 +116,29 @@ icu::UnicodeString WithoutIgnored(icu::UnicodeString text) {
   return text;
 }
 
+// The letter of names that begin with a character; empty if this one is none.
+std::string LabelOf(UChar32 character, const std::string& collationKey) {
+  UErrorCode error = U_ZERO_ERROR;
+  const icu::Normalizer2* const decomposing = icu::Normalizer2::getNFKDInstance(error);
+  ThrowOnFailure(error);
+  const icu::UnicodeString letter(character);
+  const icu::UnicodeString capital = icu::UnicodeString(letter).toUpper(icu::Locale::getRoot());
+  // An accent makes some characters letters of their own, such as Й; so does a missing dot, as in
+  // ı.
+  for (const auto& candidate : {decomposing->normalize(capital, error), capital, letter}) {
+    ThrowOnFailure(error);
+    std::string label = TruncateToCharacters(UTF8(candidate), 1);
+    const std::string key = PrefixKey(label);
+    if (!IsPlainText(label) || key.empty() || collationKey.compare(0, key.size(), key) != 0)
+      continue;
+    for (char latin = 'A'; latin <= 'Z'; ++latin) {  // Ø and Ł are these with a stroke
+      if (PrefixKey(std::string_view(&latin, 1)) == key) label = {latin};
+    }
+    return label;
+  }
+  return "";
+}
+
 }  // namespace
 
 std::string CollationKey(std::string_view name) {
@@ -152,29 +175,17 @@ std::set<std::string> TypedWordKeys(std::string_view text) {
 }
 
 Letter LetterOf(std::string_view name, const std::string& collationKey) {
-  UErrorCode error = U_ZERO_ERROR;
-  const icu::Normalizer2* const decomposing = icu::Normalizer2::getNFKDInstance(error);
-  ThrowOnFailure(error);
   // The first character need not be the letter: collation reorders some behind the next one.
   constexpr int32_t kExamined = 5;
   icu::UnicodeString start = WithoutIgnored(Unicode(TruncateToCharacters(name, kMaxKeyCharacters)));
   start.truncate(start.moveIndex32(0, kExamined));
-  start = Compatible(start);
-  for (; start.length() > 0; start.remove(0, start.moveIndex32(0, 1))) {
-    const icu::UnicodeString letter(start.char32At(0));
-    const icu::UnicodeString capital = icu::UnicodeString(letter).toUpper(icu::Locale::getRoot());
-    // An accent makes some characters letters of their own, such as Й; so does a missing dot, as in
-    // ı.
-    for (const auto& candidate : {decomposing->normalize(capital, error), capital, letter}) {
-      ThrowOnFailure(error);
-      std::string label = TruncateToCharacters(UTF8(candidate), 1);
-      const std::string key = PrefixKey(label);
-      if (!IsPlainText(label) || key.empty() || collationKey.compare(0, key.size(), key) != 0)
-        continue;
-      for (char latin = 'A'; latin <= 'Z'; ++latin) {  // Ø and Ł are these with a stroke
-        if (PrefixKey(std::string_view(&latin, 1)) == key) label = {latin};
-      }
-      return {label, key};
+  // Some characters are letters, but their compatible ones are not, such as ῭.
+  for (icu::UnicodeString text : {Compatible(start), start}) {
+    for (; text.length() > 0; text.remove(0, text.moveIndex32(0, 1))) {
+      std::string label = LabelOf(text.char32At(0), collationKey);
+      if (label.empty()) continue;
+      std::string key = PrefixKey(label);
+      return {std::move(label), std::move(key)};
     }
   }
   constexpr char kEndOfLetters = '\x01';  // in a key; accents and case follow

@@ -98,6 +98,8 @@ TEST(Collation, ListsNamesUnderTheLettersOfReaders) {
       {"أ", {"أحمد"}},
       {"日", {"日本"}},
       {"ก", {"เกม"}},
+      {"\u1FED", {"\u1FED"}},
+      {"\u0F73", {"\u0F73"}},
       {"", {"", "\x01\x02"}}};
   for (const auto& [label, all] : names) {
     for (const auto& name : all) {
