@@ -27,6 +27,7 @@ using teleform::screens::SoftKeyRole;
 using teleform::screens::Text;
 
 constexpr std::size_t kMaxSearchCharacters = 64;
+constexpr std::size_t kMaxNoticeLines = 100;  // each is an entry on phones of Cisco and Yealink
 constexpr const char* kEmptyTitle = "Nobody is in the phone book";
 
 std::string PageURI(const PageRequest& request, const std::string& page) {
@@ -275,7 +276,9 @@ PageResult Dial(const PageRequest& request) { return ContactPageOf(request, Comp
 std::vector<std::string> LinesOf(const std::string& text) {
   std::vector<std::string> lines;
   std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  for (std::string line; lines.size() < kMaxNoticeLines && std::getline(stream, line);) {
+    lines.push_back(line);
+  }
   return lines;
 }
 

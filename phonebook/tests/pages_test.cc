@@ -260,6 +260,9 @@ TEST_P(PhoneBook, ServesWellFormedPagesOfHostileContacts) {
            text.npos;
   };
   EXPECT_TRUE(shows("/aastra/message", kMaxNoticeCharacters));
+  const std::string lines(kMaxNoticeCharacters, '\n');
+  *session << "UPDATE notices SET text = :text", soci::use(lines);
+  EXPECT_EQ(ParsedPage(server->Get("/cisco/message").text).Items().size(), 100U);
   EXPECT_TRUE(shows("/cisco/directory", kMaxShownCharacters));
   long long id = 0;
   *session << "SELECT max(id) FROM contacts", soci::into(id);
