@@ -24,6 +24,11 @@ const bool isSQLiteConfigured =
     sqlite_api::sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0) == SQLITE_OK &&
     sqlite_api::sqlite3_config(SQLITE_CONFIG_URI, 1) == SQLITE_OK;
 
+int ResultOf(const soci::soci_error& error) {
+  const auto* const sqlite = dynamic_cast<const soci::sqlite3_soci_error*>(&error);
+  return sqlite == nullptr ? SQLITE_OK : sqlite->result();
+}
+
 }  // namespace
 
 DatabaseConnection::DatabaseConnection(std::string theDatabase)
@@ -97,15 +102,13 @@ bool HasLog(const std::string& path) {
   return !error && stat((file.string() + "-wal").c_str(), &status) == 0 && status.st_size > 0;
 }
 
-bool IsLocked(const soci::soci_error& error) {
-  const auto* const sqlite = dynamic_cast<const soci::sqlite3_soci_error*>(&error);
-  return sqlite != nullptr && sqlite->result() == SQLITE_BUSY;
-}
+bool IsLocked(const soci::soci_error& error) { return ResultOf(error) == SQLITE_BUSY; }
+
+bool IsFull(const soci::soci_error& error) { return ResultOf(error) == SQLITE_FULL; }
 
 bool IsDamaged(const soci::soci_error& error) {
-  const auto* const sqlite = dynamic_cast<const soci::sqlite3_soci_error*>(&error);
-  return sqlite != nullptr &&
-         (sqlite->result() == SQLITE_CORRUPT || sqlite->result() == SQLITE_NOTADB);
+  const int result = ResultOf(error);
+  return result == SQLITE_CORRUPT || result == SQLITE_NOTADB;
 }
 
 std::string MessageOf(const soci::soci_error& error) {

@@ -79,6 +79,9 @@ bool HasLog(const std::string& path);
 /// Whether an SQLite file is locked by another connection.
 bool IsLocked(const soci::soci_error& error);
 
+/// Whether there is no room for what was written to an SQLite file.
+bool IsFull(const soci::soci_error& error);
+
 /// Whether an SQLite file is damaged, or of another kind.
 bool IsDamaged(const soci::soci_error& error);
 

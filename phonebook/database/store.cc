@@ -289,20 +289,27 @@ std::string Store::FindNotice(const std::string& name) {
 
 bool Store::IndexPending() {
   constexpr std::chrono::seconds kLimit(1);  // however far away the database is
-  bool isWritable = true;
+  std::string failure;
   const bool hasMore = Run<bool>([&](Opened& store) {
     auto& indexer = store.indexer;
-    if (!indexer) {
-      isWritable = store.connection.IsWritable();
-      if (!isWritable) return false;
-      indexer.emplace(store.connection.session, store.connection.dialect);
+    try {
+      if (!indexer && !store.connection.IsWritable()) {
+        failure = "the database is read-only for this ";
+        failure += dialect.isPostgreSQL ? "role" : "user";
+        return false;
+      }
+      if (!indexer) indexer.emplace(store.connection.session, store.connection.dialect);
+      return indexer->IndexPending(kLimit);
+    } catch (const soci::soci_error& error) {
+      if (!IsLocked(error) && !IsFull(error)) throw;
+      indexer.reset();
+      // The connection stays: the last one to close would remove files that reading takes, and for
+      // which there may be no room later.
+      failure = MessageOf(error);
+      return false;
     }
-    return indexer->IndexPending(kLimit);
   });
-  if (!isWritable) {
-    throw DatabaseUnavailable("the database is read-only for this " +
-                              std::string(dialect.isPostgreSQL ? "role" : "user"));
-  }
+  if (!failure.empty()) throw DatabaseUnavailable(failure);
   return hasMore;
 }
 
