@@ -1,23 +1,32 @@
 #include "allocations.h"
 
+#include <malloc.h>
+
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
 namespace {
 thread_local Allocations allocations;
-}
+std::atomic<long> liveBlocks, liveBytes;
+}  // namespace
 
 Allocations& Allocations::StartCounting(std::size_t failAt) {
-  allocations = {0, allocations.live, failAt};
+  allocations = {0, failAt};
   return allocations;
 }
+
+long Allocations::LiveBlocks() { return liveBlocks; }
+
+long Allocations::LiveBytes() { return liveBytes; }
 
 void* operator new(std::size_t size) {
   ++allocations.count;
   if (allocations.failAt != 0 && allocations.count >= allocations.failAt) throw std::bad_alloc();
   void* const memory = std::malloc(size);
   if (memory == nullptr) throw std::bad_alloc();
-  ++allocations.live;
+  ++liveBlocks;
+  liveBytes += static_cast<long>(malloc_usable_size(memory));
   return memory;
 }
 
@@ -31,7 +40,8 @@ void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
 
 void operator delete(void* memory) noexcept {
   if (memory == nullptr) return;
-  --allocations.live;
+  --liveBlocks;
+  liveBytes -= static_cast<long>(malloc_usable_size(memory));
   std::free(memory);
 }
 

@@ -1,8 +1,8 @@
 #include <teleform/aastra/directory.h>
 #include <teleform/aastra/elements.h>
+#include <teleform/core/object_pool.h>
 
 #include <cstddef>
-#include <memory>
 
 AastraIPPhoneDirectoryEntry::AastraIPPhoneDirectoryEntry(const std::string& theName,
                                                          const std::string& theTelephone)
@@ -17,12 +17,14 @@ void AastraIPPhoneDirectoryEntry::Render(std::string& out) {
 AastraIPPhoneDirectory::AastraIPPhoneDirectory(const char* theTitle, int theMaxItems)
     : IPPhoneDirectoryXML(theTitle, theMaxItems) {}
 
-AastraIPPhoneDirectory::~AastraIPPhoneDirectory() = default;
+AastraIPPhoneDirectory::~AastraIPPhoneDirectory() {
+  teleform::ObjectPool::Clear<AastraIPPhoneDirectoryEntry>(entries);
+}
 
 bool AastraIPPhoneDirectory::AppendEntry(const std::string& name, const std::string& telephone) {
   if (static_cast<std::ptrdiff_t>(entries.size()) >= maxItems) return false;
   if (name.empty() || telephone.empty()) return false;
-  entries.push_back(std::make_unique<AastraIPPhoneDirectoryEntry>(name, telephone));
+  teleform::ObjectPool::Append<AastraIPPhoneDirectoryEntry>(entries, name, telephone);
   return true;
 }
 
@@ -32,13 +34,14 @@ void AastraIPPhoneDirectory::SetNextURI(const std::string& uri) { nextURI = uri;
 
 void AastraIPPhoneDirectory::Render(std::string& out) {
   using namespace teleform;
-  AppendDirectory(out,
-                  Pieces(Line("<AastraIPPhoneDirectory",
-                              PageLinks(previousURI, nextURI),
-                              AastraFlags(destroyOnExit, beep),
-                              ">"),
-                         Line("<Title>", title, "</Title>")),
-                  entries,
-                  AastraMenuItem,
-                  Pieces(ForEach(softKeys, AastraSoftKeyItem), Line("</AastraIPPhoneDirectory>")));
+  AppendDirectory<AastraIPPhoneDirectoryEntry>(
+      out,
+      Pieces(Line("<AastraIPPhoneDirectory",
+                  PageLinks(previousURI, nextURI),
+                  AastraFlags(destroyOnExit, beep),
+                  ">"),
+             Line("<Title>", title, "</Title>")),
+      entries,
+      AastraMenuItem,
+      Pieces(ForEach(softKeys, AastraSoftKeyItem), Line("</AastraIPPhoneDirectory>")));
 }

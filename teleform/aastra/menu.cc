@@ -1,5 +1,6 @@
 #include <teleform/aastra/elements.h>
 #include <teleform/aastra/menu.h>
+#include <teleform/core/object_pool.h>
 
 #include <cstddef>
 
@@ -15,12 +16,14 @@ void AastraIPPhoneMenuItem::Render(std::string& out) {
 AastraIPPhoneMenu::AastraIPPhoneMenu(const std::string& theTitle, int theMaxItems)
     : IPPhoneMenuXML(theTitle.c_str(), theMaxItems) {}
 
-AastraIPPhoneMenu::~AastraIPPhoneMenu() = default;
+AastraIPPhoneMenu::~AastraIPPhoneMenu() {
+  teleform::ObjectPool::Clear<AastraIPPhoneMenuItem>(items);
+}
 
 bool AastraIPPhoneMenu::AppendItem(const std::string& prompt, const std::string& uri) {
   if (static_cast<std::ptrdiff_t>(items.size()) >= maxItems) return false;
   if (prompt.empty() || uri.empty()) return false;
-  items.push_back(std::make_unique<AastraIPPhoneMenuItem>(prompt, uri));
+  teleform::ObjectPool::Append<AastraIPPhoneMenuItem>(items, prompt, uri);
   return true;
 }
 

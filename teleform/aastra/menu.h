@@ -9,6 +9,10 @@
 #include <string>
 #include <vector>
 
+namespace teleform {
+class ObjectPool;
+}
+
 /// A prompt and its target URI, both written in full.
 class TELEFORM_EXPORT AastraIPPhoneMenuItem {
  public:
@@ -28,6 +32,8 @@ class TELEFORM_EXPORT AastraIPPhoneMenuItem {
   const std::string& GetURI() const noexcept { return URI; }
 
  private:
+  friend class teleform::ObjectPool;
+
   std::string prompt;
   std::string URI;
 };

@@ -48,6 +48,7 @@ bool AastraIPPhone::AddSoftKey(int index, const char* label, AastraSoftKeyComman
 
 bool AastraIPPhone::AddSoftKey(int index, const char* label, const char* uri) {
   if (index < 1 || index > 6) return false;
+  if (softKeys.capacity() == 0) softKeys.reserve(6);
   softKeys.push_back(AastraSoftKey(index, label, uri));
   return true;
 }

@@ -1,8 +1,8 @@
 #include <teleform/cisco/directory.h>
 #include <teleform/core/elements.h>
+#include <teleform/core/object_pool.h>
 
 #include <cstddef>
-#include <memory>
 
 CiscoIPPhoneDirectoryEntry::CiscoIPPhoneDirectoryEntry(const std::string& theName,
                                                        const std::string& theTelephone)
@@ -17,12 +17,14 @@ void CiscoIPPhoneDirectoryEntry::Render(std::string& out) {
 CiscoIPPhoneDirectory::CiscoIPPhoneDirectory(const char* theTitle, int theMaxItems)
     : IPPhoneDirectoryXML(theTitle, theMaxItems) {}
 
-CiscoIPPhoneDirectory::~CiscoIPPhoneDirectory() = default;
+CiscoIPPhoneDirectory::~CiscoIPPhoneDirectory() {
+  teleform::ObjectPool::Clear<CiscoIPPhoneDirectoryEntry>(entries);
+}
 
 bool CiscoIPPhoneDirectory::AppendEntry(const std::string& name, const std::string& telephone) {
   if (static_cast<std::ptrdiff_t>(entries.size()) >= maxItems) return false;
   if (name.empty() || telephone.empty()) return false;
-  entries.push_back(std::make_unique<CiscoIPPhoneDirectoryEntry>(name, telephone));
+  teleform::ObjectPool::Append<CiscoIPPhoneDirectoryEntry>(entries, name, telephone);
   return true;
 }
 
@@ -32,10 +34,11 @@ void CiscoIPPhoneDirectory::SetNextURI(const std::string& uri) { nextURI = uri; 
 
 void CiscoIPPhoneDirectory::Render(std::string& out) {
   using namespace teleform;
-  AppendDirectory(out,
-                  Pieces(Line("<CiscoIPPhoneDirectory", PageLinks(previousURI, nextURI), ">"),
-                         Line("<Title>", title, "</Title>")),
-                  entries,
-                  DirectoryEntry,
-                  Pieces(Line("</CiscoIPPhoneDirectory>")));
+  AppendDirectory<CiscoIPPhoneDirectoryEntry>(
+      out,
+      Pieces(Line("<CiscoIPPhoneDirectory", PageLinks(previousURI, nextURI), ">"),
+             Line("<Title>", title, "</Title>")),
+      entries,
+      DirectoryEntry,
+      Pieces(Line("</CiscoIPPhoneDirectory>")));
 }

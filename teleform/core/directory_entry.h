@@ -7,6 +7,10 @@
 #include <ostream>
 #include <string>
 
+namespace teleform {
+class ObjectPool;
+}
+
 /// A name and the telephone number or URI that the phone dials.
 ///
 /// Entries can be copied but not assigned. Neither field changes after construction. Each maker's
@@ -44,6 +48,9 @@ class TELEFORM_EXPORT IPPhoneDirectoryEntry {
  protected:
   std::string name;       ///< The value of `GetName`.
   std::string telephone;  ///< The value of `GetTelephone`.
+
+ private:
+  friend class teleform::ObjectPool;
 };
 
 /// Writes only the name of `entry`, NULs included.

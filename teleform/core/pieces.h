@@ -12,6 +12,8 @@
 // or nothing.
 #pragma once
 
+#include <teleform/core/exact_class.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -142,8 +144,10 @@ inline char* Copy(char* dest, std::string_view text) {
     CopyOverlapping<8>(dest, text);
   } else if (text.size() > 16 && text.size() <= 32) {
     CopyOverlapping<16>(dest, text);
+  } else if (text.size() > 32 && text.size() <= 64) {
+    CopyOverlapping<32>(dest, text);
   } else {
-    text.copy(dest, text.size());
+    std::memcpy(dest, text.data(), text.size());
   }
   return dest + text.size();
 }
@@ -187,12 +191,14 @@ inline void ReserveAdditional(std::string& out, TotalSize size) {
   if (size > out.capacity() - out.size()) GrowCapacity(out, size);
 }
 
-// Appends a piece of the given size. Does not allocate if the capacity suffices.
+// Appends a piece of the given size, for which there must be room.
 template <typename Piece>
 [[gnu::flatten]] TELEFORM_INLINE inline void Write(std::string& out, TotalSize size,
                                                    const Piece& piece) {
   const std::size_t before = out.size();
   const std::size_t after = before + static_cast<std::size_t>(size);
+  // Otherwise compilers add code that allocates. A directory takes 5 to 15 % longer with Clang 14.
+  if (after > out.capacity()) __builtin_unreachable();
 #ifdef __cpp_lib_string_resize_and_overwrite
   out.resize_and_overwrite(after, [&](char* text, std::size_t end) TELEFORM_INLINE {
     Copy(text + before, piece);
@@ -212,25 +218,33 @@ TELEFORM_INLINE inline void Append(std::string& out, const T&... piece) {
   Write(out, size, pieces);
 }
 
-// Appends a directory. Its entries are rendered by their virtual Render, which can't report a size
-// beforehand. The size comes from `element`, which returns the pieces that an entry of this
-// directory's class writes for a name and a telephone. A subclass of the directory may hold entries
-// of another class, which may be longer. In that case `out` grows during rendering, and a failure
-// restores it to its previous size.
-template <typename Head, typename Entries, typename Element, typename Tail>
+// Appends a directory. `element` returns the pieces that an entry of the directory's own class
+// Entry writes for a name and a telephone. A subclass of the directory may hold entries of another
+// class, which are rendered by their virtual Render. It can't report a size beforehand: `out` may
+// then grow during rendering, and a failure restores it to its previous size.
+template <typename Entry, typename Head, typename Entries, typename Element, typename Tail>
 TELEFORM_INLINE inline void AppendDirectory(std::string& out, const Head& head,
                                             const Entries& entries, Element element,
                                             const Tail& tail) {
-  const auto pieces = [&](const auto& entry) {
+  const auto own = ForEach(entries, [element](const auto& entry) {
     return element(entry->GetName(), entry->GetTelephone());
-  };
+  });
+  const bool areOwn = std::all_of(entries.begin(), entries.end(), [](const auto& entry) {
+    return VtableOf(*entry) == VtableOf<Entry>();
+  });
   const TotalSize headSize = Size(head);
+  const TotalSize entriesSize = Size(own);
   const TotalSize tailSize = Size(tail);
-  ReserveAdditional(out, headSize + Size(ForEach(entries, pieces)) + tailSize);
+  ReserveAdditional(out, headSize + entriesSize + tailSize);
   const std::size_t before = out.size();
   try {
     Write(out, headSize, head);
-    for (const auto& entry : entries) entry->Render(out);
+    if (areOwn) {
+      Write(out, entriesSize, own);
+    } else {
+      for (const auto& entry : entries) entry->Render(out);
+    }
+    ReserveAdditional(out, tailSize);
     Write(out, tailSize, tail);
   } catch (...) {
     out.resize(before);

@@ -1,7 +1,6 @@
 #include <teleform/core/elements.h>
+#include <teleform/core/object_pool.h>
 #include <teleform/snom/directory.h>
-
-#include <memory>
 
 SnomIPPhoneDirectoryEntry::SnomIPPhoneDirectoryEntry(const std::string& theName,
                                                      const std::string& theTelephone)
@@ -16,11 +15,13 @@ void SnomIPPhoneDirectoryEntry::Render(std::string& out) {
 SnomIPPhoneDirectory::SnomIPPhoneDirectory(const char* theTitle, int theMaxItems)
     : IPPhoneDirectoryXML(theTitle, theMaxItems) {}
 
-SnomIPPhoneDirectory::~SnomIPPhoneDirectory() = default;
+SnomIPPhoneDirectory::~SnomIPPhoneDirectory() {
+  teleform::ObjectPool::Clear<SnomIPPhoneDirectoryEntry>(entries);
+}
 
 bool SnomIPPhoneDirectory::AppendEntry(const std::string& name, const std::string& telephone) {
   if (name.empty() || telephone.empty()) return false;
-  entries.push_back(std::make_unique<SnomIPPhoneDirectoryEntry>(name, telephone));
+  teleform::ObjectPool::Append<SnomIPPhoneDirectoryEntry>(entries, name, telephone);
   return true;
 }
 
@@ -30,9 +31,10 @@ void SnomIPPhoneDirectory::SetNextURI(const std::string& /*uri*/) {}
 
 void SnomIPPhoneDirectory::Render(std::string& out) {
   using namespace teleform;
-  AppendDirectory(out,
-                  Pieces(Line("<SnomIPPhoneDirectory>"), Line("<Title>", title, "</Title>")),
-                  entries,
-                  DirectoryEntry,
-                  Pieces(ForEach(softKeys, SoftKeyItem), Line("</SnomIPPhoneDirectory>")));
+  AppendDirectory<SnomIPPhoneDirectoryEntry>(
+      out,
+      Pieces(Line("<SnomIPPhoneDirectory>"), Line("<Title>", title, "</Title>")),
+      entries,
+      DirectoryEntry,
+      Pieces(ForEach(softKeys, SoftKeyItem), Line("</SnomIPPhoneDirectory>")));
 }

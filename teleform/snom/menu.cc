@@ -1,4 +1,5 @@
 #include <teleform/core/elements.h>
+#include <teleform/core/object_pool.h>
 #include <teleform/snom/menu.h>
 
 SnomIPPhoneMenuItem::SnomIPPhoneMenuItem(const std::string& thePrompt, const std::string& uri)
@@ -13,11 +14,11 @@ void SnomIPPhoneMenuItem::Render(std::string& out) {
 SnomIPPhoneMenu::SnomIPPhoneMenu(const char* theTitle, int theMaxItems)
     : IPPhoneMenuXML(theTitle, theMaxItems) {}
 
-SnomIPPhoneMenu::~SnomIPPhoneMenu() = default;
+SnomIPPhoneMenu::~SnomIPPhoneMenu() { teleform::ObjectPool::Clear<SnomIPPhoneMenuItem>(items); }
 
 bool SnomIPPhoneMenu::AppendItem(const std::string& prompt, const std::string& uri) {
   if (prompt.empty() || uri.empty()) return false;
-  items.push_back(std::make_unique<SnomIPPhoneMenuItem>(prompt, uri));
+  teleform::ObjectPool::Append<SnomIPPhoneMenuItem>(items, prompt, uri);
   return true;
 }
 

@@ -9,6 +9,10 @@
 #include <string>
 #include <vector>
 
+namespace teleform {
+class ObjectPool;
+}
+
 /// A prompt and its target URI, both written in full.
 class TELEFORM_EXPORT SnomIPPhoneMenuItem {
  public:
@@ -29,6 +33,8 @@ class TELEFORM_EXPORT SnomIPPhoneMenuItem {
   const std::string& GetURI() const noexcept { return URI; }
 
  private:
+  friend class teleform::ObjectPool;
+
   std::string prompt;
   std::string URI;
 };

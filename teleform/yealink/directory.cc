@@ -1,7 +1,6 @@
 #include <teleform/core/elements.h>
+#include <teleform/core/object_pool.h>
 #include <teleform/yealink/directory.h>
-
-#include <memory>
 
 YealinkIPPhoneDirectoryEntry::YealinkIPPhoneDirectoryEntry(const std::string& theName,
                                                            const std::string& theTelephone)
@@ -16,11 +15,13 @@ void YealinkIPPhoneDirectoryEntry::Render(std::string& out) {
 YealinkIPPhoneDirectory::YealinkIPPhoneDirectory(const char* theTitle, int theMaxItems)
     : IPPhoneDirectoryXML(theTitle, theMaxItems) {}
 
-YealinkIPPhoneDirectory::~YealinkIPPhoneDirectory() = default;
+YealinkIPPhoneDirectory::~YealinkIPPhoneDirectory() {
+  teleform::ObjectPool::Clear<YealinkIPPhoneDirectoryEntry>(entries);
+}
 
 bool YealinkIPPhoneDirectory::AppendEntry(const std::string& name, const std::string& telephone) {
   if (name.empty() || telephone.empty()) return false;
-  entries.push_back(std::make_unique<YealinkIPPhoneDirectoryEntry>(name, telephone));
+  teleform::ObjectPool::Append<YealinkIPPhoneDirectoryEntry>(entries, name, telephone);
   return true;
 }
 
@@ -30,9 +31,10 @@ void YealinkIPPhoneDirectory::SetNextURI(const std::string& /*uri*/) {}
 
 void YealinkIPPhoneDirectory::Render(std::string& out) {
   using namespace teleform;
-  AppendDirectory(out,
-                  Pieces(Line("<YealinkIPPhoneDirectory>"), Line("<Title>", title, "</Title>")),
-                  entries,
-                  DirectoryEntry,
-                  Pieces(ForEach(softKeys, SoftKeyItem), Line("</YealinkIPPhoneDirectory>")));
+  AppendDirectory<YealinkIPPhoneDirectoryEntry>(
+      out,
+      Pieces(Line("<YealinkIPPhoneDirectory>"), Line("<Title>", title, "</Title>")),
+      entries,
+      DirectoryEntry,
+      Pieces(ForEach(softKeys, SoftKeyItem), Line("</YealinkIPPhoneDirectory>")));
 }

@@ -1,4 +1,5 @@
 #include <teleform/core/elements.h>
+#include <teleform/core/object_pool.h>
 #include <teleform/yealink/menu.h>
 
 YealinkIPPhoneMenuItem::YealinkIPPhoneMenuItem(const std::string& thePrompt, const std::string& uri)
@@ -13,11 +14,13 @@ void YealinkIPPhoneMenuItem::Render(std::string& out) {
 YealinkIPPhoneMenu::YealinkIPPhoneMenu(const char* theTitle, int theMaxItems)
     : IPPhoneMenuXML(theTitle, theMaxItems) {}
 
-YealinkIPPhoneMenu::~YealinkIPPhoneMenu() = default;
+YealinkIPPhoneMenu::~YealinkIPPhoneMenu() {
+  teleform::ObjectPool::Clear<YealinkIPPhoneMenuItem>(items);
+}
 
 bool YealinkIPPhoneMenu::AppendItem(const std::string& prompt, const std::string& uri) {
   if (prompt.empty() || uri.empty()) return false;
-  items.push_back(std::make_unique<YealinkIPPhoneMenuItem>(prompt, uri));
+  teleform::ObjectPool::Append<YealinkIPPhoneMenuItem>(items, prompt, uri);
   return true;
 }
 
