@@ -12,8 +12,11 @@
 class TELEFORM_EXPORT AastraIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
  public:
   /// Copies both strings in full, NULs included.
+  /// @param name the value of `GetName`.
+  /// @param telephone the value of `GetTelephone`.
   AastraIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   /// Copies both strings.
+  /// @param other the entry to copy.
   AastraIPPhoneDirectoryEntry(const AastraIPPhoneDirectoryEntry& other) = default;
   AastraIPPhoneDirectoryEntry& operator=(const AastraIPPhoneDirectoryEntry&) = delete;
   ~AastraIPPhoneDirectoryEntry() override;

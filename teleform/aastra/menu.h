@@ -17,12 +17,15 @@ class ObjectPool;
 class TELEFORM_EXPORT AastraIPPhoneMenuItem {
  public:
   /// Copies both strings in full, NULs included.
+  /// @param prompt the value of `GetPrompt`.
+  /// @param uri the value of `GetURI`.
   AastraIPPhoneMenuItem(const std::string& prompt, const std::string& uri);
   virtual ~AastraIPPhoneMenuItem();
   AastraIPPhoneMenuItem(const AastraIPPhoneMenuItem&) = delete;
   AastraIPPhoneMenuItem& operator=(const AastraIPPhoneMenuItem&) = delete;
 
   /// Appends the item as a `MenuItem` element, with the guarantees of `IPPhoneXML::Render`.
+  /// @param out the string to append to.
   void Render(std::string& out);
 
   /// The full text of the item. The item owns the string.

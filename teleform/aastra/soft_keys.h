@@ -26,14 +26,24 @@ class TELEFORM_EXPORT AastraSoftKey {
   /// @name Copying and moving
   /// A moved-from key is valid, with unspecified strings.
   /// @{
-  AastraSoftKey(const AastraSoftKey& other);                 ///< Copies the strings.
-  AastraSoftKey(AastraSoftKey&& other) noexcept;             ///< Moves the strings.
-  AastraSoftKey& operator=(const AastraSoftKey& other);      ///< Copies the strings.
-  AastraSoftKey& operator=(AastraSoftKey&& other) noexcept;  ///< Moves the strings.
+
+  /// Copies the strings.
+  /// @param other the key to copy.
+  AastraSoftKey(const AastraSoftKey& other);
+  /// Moves the strings.
+  /// @param other the key to move.
+  AastraSoftKey(AastraSoftKey&& other) noexcept;
+  /// Copies the strings.
+  /// @param other the key to copy.
+  AastraSoftKey& operator=(const AastraSoftKey& other);
+  /// Moves the strings.
+  /// @param other the key to move.
+  AastraSoftKey& operator=(AastraSoftKey&& other) noexcept;
   /// @}
   virtual ~AastraSoftKey();
 
   /// Appends the key as a `SoftKey` element, with the guarantees of `IPPhoneXML::Render`.
+  /// @param out the string to append to.
   void Render(std::string& out);
 
   /// The position, 1 to 6.
@@ -57,6 +67,7 @@ class TELEFORM_EXPORT AastraSoftKey {
 /// before its closing tag.
 class TELEFORM_EXPORT AastraIPPhone {
  public:
+  /// Starts without soft keys.
   AastraIPPhone();
   virtual ~AastraIPPhone();
   AastraIPPhone(const AastraIPPhone&) = delete;
@@ -73,6 +84,9 @@ class TELEFORM_EXPORT AastraIPPhone {
   /// Adds a key that executes `uri`, a NUL-terminated string; null means the empty URI. Otherwise
   /// like the overload above. A literal 0 selects this overload as a null pointer, so
   /// `AASTRA_SK_SELECT` must be passed by name.
+  /// @param index the position, 1 to 6.
+  /// @param label a NUL-terminated string; null means the empty label.
+  /// @param uri a NUL-terminated string; null means the empty URI.
   bool AddSoftKey(int index, const char* label, const char* uri);
 
  protected:

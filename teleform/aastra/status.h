@@ -12,10 +12,12 @@
 /// 0, an empty session and an empty text.
 class TELEFORM_EXPORT AastraIPPhoneStatus : public IPPhoneStatusXML, public AastraIPPhone {
  public:
+  /// A normal message with index 0, an empty session and an empty text.
   AastraIPPhoneStatus();
   ~AastraIPPhoneStatus() override;
 
   /// Numbers are formatted by `NumberToString`.
+  /// @param out the string to append to.
   void Render(std::string& out) override;
   void SetMessage(const std::string& session, const std::string& message, int index, MsgType type,
                   int timeout) override;

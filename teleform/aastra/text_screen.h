@@ -17,6 +17,7 @@ class TELEFORM_EXPORT AastraIPPhoneTextScreen : public IPPhoneTextScreenXML, pub
   void Render(std::string& out) override;
 
   /// Replaces the text. It is stored in full and written up to its first NUL.
+  /// @param text may be empty and may contain NULs.
   void SetText(const std::string& text) override;
 
  private:

@@ -11,8 +11,11 @@
 class TELEFORM_EXPORT CiscoIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
  public:
   /// Copies both strings in full, NULs included.
+  /// @param name the value of `GetName`.
+  /// @param telephone the value of `GetTelephone`.
   CiscoIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   /// Copies both strings.
+  /// @param other the entry to copy.
   CiscoIPPhoneDirectoryEntry(const CiscoIPPhoneDirectoryEntry& other) = default;
   CiscoIPPhoneDirectoryEntry& operator=(const CiscoIPPhoneDirectoryEntry&) = delete;
   ~CiscoIPPhoneDirectoryEntry() override;

@@ -18,25 +18,37 @@ class ObjectPool;
 class TELEFORM_EXPORT IPPhoneDirectoryEntry {
  public:
   /// Copies both strings in full. Either may be empty and may contain NULs.
+  /// @param name the value of `GetName`.
+  /// @param telephone the value of `GetTelephone`.
   IPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   /// Copies both strings.
+  /// @param other the entry to copy.
   IPPhoneDirectoryEntry(const IPPhoneDirectoryEntry& other);
   IPPhoneDirectoryEntry& operator=(const IPPhoneDirectoryEntry&) = delete;
   virtual ~IPPhoneDirectoryEntry();
 
   /// Appends the entry in its maker's format. This base class appends nothing. Exceptions and their
   /// guarantees are those of `IPPhoneXML::Render`.
+  /// @param out the string to append to.
   virtual void Render(std::string& out);
 
   /// @name Order by name
   /// Names compare lexicographically by unsigned bytes: a prefix sorts before longer names, and
   /// upper and lower case differ. The locale and the telephone have no influence.
   /// @{
-  bool operator<(
-      const IPPhoneDirectoryEntry& other);  ///< Whether this name sorts before the other.
-  bool operator<=(const IPPhoneDirectoryEntry& other);  ///< Whether it sorts before or is equal.
-  bool operator>(const IPPhoneDirectoryEntry& other);  ///< Whether this name sorts after the other.
-  bool operator>=(const IPPhoneDirectoryEntry& other);  ///< Whether it sorts after or is equal.
+
+  /// Whether this name sorts before the other.
+  /// @param other the entry to compare with.
+  bool operator<(const IPPhoneDirectoryEntry& other);
+  /// Whether it sorts before or is equal.
+  /// @param other the entry to compare with.
+  bool operator<=(const IPPhoneDirectoryEntry& other);
+  /// Whether this name sorts after the other.
+  /// @param other the entry to compare with.
+  bool operator>(const IPPhoneDirectoryEntry& other);
+  /// Whether it sorts after or is equal.
+  /// @param other the entry to compare with.
+  bool operator>=(const IPPhoneDirectoryEntry& other);
   /// @}
 
   /// The full name. The entry owns the string.
@@ -54,6 +66,8 @@ class TELEFORM_EXPORT IPPhoneDirectoryEntry {
 };
 
 /// Writes only the name of `entry`, NULs included.
+/// @param os the stream to write to.
+/// @param entry the entry to name.
 TELEFORM_EXPORT std::ostream& operator<<(std::ostream& os, const IPPhoneDirectoryEntry& entry);
 
 /// Whether the name of `a` sorts before the name of `b` within their common length. The first

@@ -41,6 +41,7 @@ class TELEFORM_EXPORT IPPhoneXML {
   /// Sets each attribute flag whose bit is in `flags` (see `IPPhoneAttributes`) and clears the
   /// others. Unknown bits are ignored. Only Aastra documents write the flags; the other makers'
   /// phones have none.
+  /// @param flags the bits of `IPPhoneAttributes`, combined by `|`.
   virtual void SetAttributes(unsigned long flags);
 
   /// Appends the complete document to `out`.
@@ -48,6 +49,7 @@ class TELEFORM_EXPORT IPPhoneXML {
   /// Existing content of `out` is kept. The document does not change and can be rendered again.
   /// `out` is reallocated at most once, to at least twice its capacity.
   ///
+  /// @param out the string to append to.
   /// @throws std::bad_alloc when memory runs out, and `std::length_error` when the result exceeds
   /// the maximum size of a string. `out` is then unchanged and never holds a partial document.
   virtual void Render(std::string& out) = 0;
@@ -76,6 +78,7 @@ class TELEFORM_EXPORT IPPhoneTextScreenXML : public IPPhoneXML {
 
   /// Replaces the text, which is stored in full. Each class documents whether rendering stops at
   /// the first NUL.
+  /// @param text may be empty and may contain NULs.
   virtual void SetText(const std::string& text) = 0;
 
  protected:
@@ -89,14 +92,18 @@ class TELEFORM_EXPORT IPPhoneMenuXML : public IPPhoneXML {
   ~IPPhoneMenuXML() override;
 
   /// Appends an item.
+  /// @param prompt the text that the phone shows.
+  /// @param uri the URI that the item leads to.
   /// @return false if `prompt` or `uri` is empty or if the menu is full; the menu is then
   /// unchanged. Only some makers' menus enforce their limit.
   virtual bool AppendItem(const std::string& prompt, const std::string& uri) = 0;
 
   /// Replaces the URI of the previous page. Does nothing unless a subclass documents otherwise.
+  /// @param uri an absolute address; empty for no link.
   virtual void SetPreviousURI(const std::string& uri);
 
   /// Replaces the URI of the next page. Does nothing unless a subclass documents otherwise.
+  /// @param uri an absolute address; empty for no link.
   virtual void SetNextURI(const std::string& uri);
 
  protected:
@@ -114,15 +121,19 @@ class TELEFORM_EXPORT IPPhoneDirectoryXML : public IPPhoneXML {
   ~IPPhoneDirectoryXML() override;
 
   /// Appends an entry at the end.
+  /// @param name the text that the phone shows.
+  /// @param telephone the number or URI that the phone dials.
   /// @return false if `name` or `telephone` is empty or if the directory is full; the directory is
   /// then unchanged. Only some makers' directories enforce their limit. This base class rejects
   /// every entry.
   virtual bool AppendEntry(const std::string& name, const std::string& telephone);
 
   /// Replaces the URI of the previous page. Does nothing unless a subclass documents otherwise.
+  /// @param uri an absolute address; empty for no link.
   virtual void SetPreviousURI(const std::string& uri);
 
   /// Replaces the URI of the next page. Does nothing unless a subclass documents otherwise.
+  /// @param uri an absolute address; empty for no link.
   virtual void SetNextURI(const std::string& uri);
 
   /// Sorts the entries by name in ascending byte order. A prefix sorts before longer names, and
@@ -177,8 +188,8 @@ class TELEFORM_EXPORT IPPhoneStatusXML : public IPPhoneXML {
  public:
   /// The type of a message. Any other value is treated as `MsgTypeNormal`.
   enum MsgType : int {
-    MsgTypeNormal = 0,
-    MsgTypeAlert = 1,
+    MsgTypeNormal = 0,  ///< A message.
+    MsgTypeAlert = 1,   ///< An alert, which may have a timeout.
   };
 
   ~IPPhoneStatusXML() override;
@@ -193,5 +204,6 @@ class TELEFORM_EXPORT IPPhoneStatusXML : public IPPhoneXML {
                           MsgType type, int timeout) = 0;
 
  protected:
+  /// A status with an empty title.
   IPPhoneStatusXML();
 };

@@ -27,6 +27,7 @@ inline constexpr bool kIsWrittenAsDigits =
 
 /// Formats `value` as a `std::ostringstream` does under the process's current global locale. Under
 /// the classic locale an integer is plain decimal digits, with a minus sign if negative.
+/// @param value a number, or anything else that a stream writes.
 /// @throws std::bad_alloc when memory runs out. Under the classic locale an integer of up to 15
 /// characters needs no allocation.
 template <typename T>

@@ -17,6 +17,7 @@ class TELEFORM_EXPORT PolycomIPPhoneTextScreen : public IPPhoneTextScreenXML {
   void Render(std::string& out) override;
 
   /// Replaces the text, which is written in full.
+  /// @param text may be empty and may contain NULs.
   void SetText(const std::string& text) override;
 
  private:

@@ -29,25 +29,37 @@ using Document = std::unique_ptr<IPPhoneXML>;
 
 /// A menu, or else a directory whose entries hold the items' URIs, or else a text screen with
 /// links.
+/// @param maker the maker of the phone.
+/// @param menu what the document shows.
 TELEFORM_EXPORT Document ComposeMenu(Maker maker, const Menu& menu);
 
 /// A directory, or else a text screen with links. Where a directory has no soft keys, those that
 /// load a URI are entries at its end.
+/// @param maker the maker of the phone.
+/// @param list what the document shows.
 TELEFORM_EXPORT Document ComposeList(Maker maker, const List& list);
 
 /// A text screen, or else a directory with one entry a line. A Yealink text screen has no soft
 /// keys: a text with keys that load a URI becomes a directory there, too.
+/// @param maker the maker of the phone.
+/// @param text what the document shows.
 TELEFORM_EXPORT Document ComposeText(Maker maker, const Text& text);
 
 /// An input form, or else a text screen with an HTML form; null for a maker that has neither.
+/// @param maker the maker of the phone.
+/// @param form what the document shows.
 TELEFORM_EXPORT Document ComposeForm(Maker maker, const Form& form);
 
 /// An execute document, or else what `ComposeList` makes of the one person under its name. What is
 /// dialed is percent-encoded but for `+`, `*`, `:` and `@`; an empty number dials nothing.
+/// @param maker the maker of the phone.
+/// @param call what the document shows.
 TELEFORM_EXPORT Document ComposeCall(Maker maker, const Call& call);
 
 /// A status, whose message is the lines with blanks between them, or else what `ComposeText` makes
 /// of the text.
+/// @param maker the maker of the phone.
+/// @param alert what the document shows.
 TELEFORM_EXPORT Document ComposeAlert(Maker maker, const Alert& alert);
 
 }  // namespace teleform::screens

@@ -17,10 +17,13 @@ namespace teleform::screens {
 /// `&`, `<`, `>` and `"` become entities. A control character other than tab and line feed becomes
 /// a blank, a NUL included. A byte that belongs to no valid UTF-8 sequence, or to a character that
 /// XML forbids, becomes U+FFFD.
+/// @param text any bytes.
 TELEFORM_EXPORT std::string EscapeXML(std::string_view text);
 
 /// Percent-encodes every byte except ASCII letters and digits, `-`, `.`, `_`, `~` and the bytes in
 /// `kept`. Bytes that are not UTF-8 are encoded like all others.
+/// @param text any bytes.
+/// @param kept bytes that are not encoded.
 TELEFORM_EXPORT std::string PercentEncode(std::string_view text, std::string_view kept = {});
 
 /// Decodes percent-encoded text. A `%` that is not followed by two hexadecimal digits stays as it

@@ -43,15 +43,18 @@ struct MakerRange {
 TELEFORM_EXPORT MakerRange AllMakers() noexcept;
 
 /// The facts of `maker`; they live as long as the program.
+/// @param maker the maker that is described.
 /// @throws std::invalid_argument when `maker` is outside its enumeration.
 TELEFORM_EXPORT const MakerFacts& FactsOf(Maker maker);
 
 /// The maker whose slug is exactly `slug`, case included; none for an empty slug.
+/// @param slug any text.
 TELEFORM_EXPORT std::optional<Maker> MakerOfSlug(std::string_view slug) noexcept;
 
 /// The maker whose name occurs in `userAgent`, the value of a request's User-Agent field, which may
 /// hold any bytes. The case of ASCII letters does not matter. Of several makers the first in the
 /// order of the enumeration is returned; of an empty field, none.
+/// @param userAgent any text.
 TELEFORM_EXPORT std::optional<Maker> MakerOfUserAgent(std::string_view userAgent) noexcept;
 
 }  // namespace teleform::screens

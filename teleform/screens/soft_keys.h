@@ -11,7 +11,16 @@
 namespace teleform::screens {
 
 /// What a soft key does.
-enum class SoftKeyRole : int { kSelect, kDial, kSubmit, kPrevious, kNext, kSearch, kHome, kExit };
+enum class SoftKeyRole : int {
+  kSelect,    ///< Selects the current item.
+  kDial,      ///< Calls the current entry.
+  kSubmit,    ///< Submits the form.
+  kPrevious,  ///< Loads the page before this one.
+  kNext,      ///< Loads the page after this one.
+  kSearch,    ///< Loads the search.
+  kHome,      ///< Loads the first page.
+  kExit,      ///< Leaves the screen.
+};
 
 /// A soft key of a screen.
 struct SoftKey {
@@ -22,10 +31,12 @@ struct SoftKey {
 
 /// The English label of a role, such as "Select". It is never empty, is followed by a NUL, and
 /// lives as long as the program.
+/// @param role the role of the key.
 /// @throws std::invalid_argument when `role` is outside its enumeration.
 TELEFORM_EXPORT std::string_view LabelOf(SoftKeyRole role);
 
 /// Whether the maker of `document` has soft keys for such a document.
+/// @param document any document, also of a class that the library does not have.
 TELEFORM_EXPORT bool HasSoftKeys(const IPPhoneXML& document) noexcept;
 
 /// Adds a soft key to a document of any maker.

@@ -12,8 +12,11 @@
 class TELEFORM_EXPORT SnomIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
  public:
   /// Copies both strings in full, NULs included.
+  /// @param name the value of `GetName`.
+  /// @param telephone the value of `GetTelephone`.
   SnomIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   /// Copies both strings.
+  /// @param other the entry to copy.
   SnomIPPhoneDirectoryEntry(const SnomIPPhoneDirectoryEntry& other) = default;
   SnomIPPhoneDirectoryEntry& operator=(const SnomIPPhoneDirectoryEntry&) = delete;
   ~SnomIPPhoneDirectoryEntry() override;

@@ -17,6 +17,8 @@ class ObjectPool;
 class TELEFORM_EXPORT SnomIPPhoneMenuItem {
  public:
   /// Copies both strings in full, NULs included.
+  /// @param prompt the value of `GetPrompt`.
+  /// @param uri the value of `GetURI`.
   SnomIPPhoneMenuItem(const std::string& prompt, const std::string& uri);
   virtual ~SnomIPPhoneMenuItem();
   SnomIPPhoneMenuItem(const SnomIPPhoneMenuItem&) = delete;
@@ -24,6 +26,7 @@ class TELEFORM_EXPORT SnomIPPhoneMenuItem {
 
   /// Appends the item as a `DirectoryEntry` element, with the guarantees of
   /// `IPPhoneXML::Render`.
+  /// @param out the string to append to.
   void Render(std::string& out);
 
   /// The full text of the item. The item owns the string.

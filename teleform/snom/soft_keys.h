@@ -56,14 +56,24 @@ class TELEFORM_EXPORT SnomSoftKey {
   /// @name Copying and moving
   /// A moved-from key is valid, with unspecified strings.
   /// @{
-  SnomSoftKey(const SnomSoftKey& other);                 ///< Copies the strings.
-  SnomSoftKey(SnomSoftKey&& other) noexcept;             ///< Moves the strings.
-  SnomSoftKey& operator=(const SnomSoftKey& other);      ///< Copies the strings.
-  SnomSoftKey& operator=(SnomSoftKey&& other) noexcept;  ///< Moves the strings.
+
+  /// Copies the strings.
+  /// @param other the key to copy.
+  SnomSoftKey(const SnomSoftKey& other);
+  /// Moves the strings.
+  /// @param other the key to move.
+  SnomSoftKey(SnomSoftKey&& other) noexcept;
+  /// Copies the strings.
+  /// @param other the key to copy.
+  SnomSoftKey& operator=(const SnomSoftKey& other);
+  /// Moves the strings.
+  /// @param other the key to move.
+  SnomSoftKey& operator=(SnomSoftKey&& other) noexcept;
   /// @}
   virtual ~SnomSoftKey();
 
   /// Appends the key as a `SoftKeyItem` element, with the guarantees of `IPPhoneXML::Render`.
+  /// @param out the string to append to.
   void Render(std::string& out);
 
   /// The name of the phone's key. The soft key owns the string.
@@ -84,6 +94,7 @@ class TELEFORM_EXPORT SnomSoftKey {
 /// before its closing tag.
 class TELEFORM_EXPORT SnomIPPhone {
  public:
+  /// Starts without soft keys.
   SnomIPPhone();
   virtual ~SnomIPPhone();
   SnomIPPhone(const SnomIPPhone&) = delete;

@@ -12,8 +12,11 @@
 class TELEFORM_EXPORT YealinkIPPhoneDirectoryEntry : public IPPhoneDirectoryEntry {
  public:
   /// Copies both strings in full, NULs included.
+  /// @param name the value of `GetName`.
+  /// @param telephone the value of `GetTelephone`.
   YealinkIPPhoneDirectoryEntry(const std::string& name, const std::string& telephone);
   /// Copies both strings.
+  /// @param other the entry to copy.
   YealinkIPPhoneDirectoryEntry(const YealinkIPPhoneDirectoryEntry& other) = default;
   YealinkIPPhoneDirectoryEntry& operator=(const YealinkIPPhoneDirectoryEntry&) = delete;
   ~YealinkIPPhoneDirectoryEntry() override;

@@ -56,14 +56,24 @@ class TELEFORM_EXPORT YealinkSoftKey {
   /// @name Copying and moving
   /// A moved-from key is valid, with unspecified strings.
   /// @{
-  YealinkSoftKey(const YealinkSoftKey& other);                 ///< Copies the strings.
-  YealinkSoftKey(YealinkSoftKey&& other) noexcept;             ///< Moves the strings.
-  YealinkSoftKey& operator=(const YealinkSoftKey& other);      ///< Copies the strings.
-  YealinkSoftKey& operator=(YealinkSoftKey&& other) noexcept;  ///< Moves the strings.
+
+  /// Copies the strings.
+  /// @param other the key to copy.
+  YealinkSoftKey(const YealinkSoftKey& other);
+  /// Moves the strings.
+  /// @param other the key to move.
+  YealinkSoftKey(YealinkSoftKey&& other) noexcept;
+  /// Copies the strings.
+  /// @param other the key to copy.
+  YealinkSoftKey& operator=(const YealinkSoftKey& other);
+  /// Moves the strings.
+  /// @param other the key to move.
+  YealinkSoftKey& operator=(YealinkSoftKey&& other) noexcept;
   /// @}
   virtual ~YealinkSoftKey();
 
   /// Appends the key as a `SoftKeyItem` element, with the guarantees of `IPPhoneXML::Render`.
+  /// @param out the string to append to.
   void Render(std::string& out);
 
   /// The name of the phone's key. The soft key owns the string.
@@ -84,6 +94,7 @@ class TELEFORM_EXPORT YealinkSoftKey {
 /// before its closing tag.
 class TELEFORM_EXPORT YealinkIPPhone {
  public:
+  /// Starts without soft keys.
   YealinkIPPhone();
   virtual ~YealinkIPPhone();
   YealinkIPPhone(const YealinkIPPhone&) = delete;
