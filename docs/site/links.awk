@@ -12,9 +12,14 @@ FNR == 1 {
     link = substr($0, RSTART, RLENGTH - 1)
     is_anchor = link ~ /^ (id|name)=/
     sub(/^[^"(]*["(]/, "", link)
+    sub(/\?[^#]*/, "", link)
     if (is_anchor) is_there[FILENAME "#" link] = 1
     else if (link ~ /^#./) places[FILENAME ": " link] = FILENAME link
-    else if (link !~ /^([a-z]+:|#$)/) places[FILENAME ": " link] = folder link
+    else if (link !~ /^([a-z]+:|#$)/) {
+      place = folder link
+      while (sub(/[^\/.]+\/\.\.\//, "", place)) continue
+      places[FILENAME ": " link] = place
+    }
   }
 }
 END {
