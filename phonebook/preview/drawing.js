@@ -118,7 +118,8 @@ function drawForm({prompt, url, parameter, value, submit}, links) {
   return form;
 }
 
-// Draws paragraphs, line breaks, links and a form with one field, and drops all other HTML.
+// Draws paragraphs, line breaks, bold and italic text, links and a form with one field, and drops
+// all other HTML.
 function drawHTML(node, links) {
   return [...node.childNodes].flatMap((child) => {
     if (child.nodeType === Node.TEXT_NODE) return [child.data.replace(/\n/g, '')];
@@ -135,6 +136,8 @@ function drawHTML(node, links) {
         }, links)];
       case 'p':
       case 'br':
+      case 'b':
+      case 'i':
         return [make(child.localName, {}, ...drawHTML(child, links))];
       default:
         return [];
