@@ -46,8 +46,9 @@ struct Literal {
 
 template <typename... Piece>
 struct Group {
-  bool isIncluded;
-  std::tuple<Piece...> pieces;
+  // The condition, then the pieces. With the standard library of GCC 14, Clang 17 can't make a
+  // tuple of one element from an array of characters.
+  std::tuple<bool, Piece...> pieces;
 };
 
 template <typename Container, typename ToPiece>
@@ -72,7 +73,7 @@ using StoredPieceType = typename StoredPiece<T>::Type;
 // Pieces that are written only if the condition holds, such as an attribute.
 template <typename... T>
 Group<StoredPieceType<T>...> When(bool condition, const T&... piece) {
-  return {condition, {piece...}};
+  return {{condition, piece...}};
 }
 
 // A sequence of pieces.
@@ -112,12 +113,12 @@ constexpr TotalSize Size(const Literal<size>& /*literal*/) {
 template <typename... Piece, std::size_t... index>
 TELEFORM_INLINE inline TotalSize Size(const Group<Piece...>& group,
                                       std::index_sequence<index...> /*all*/) {
-  return (Size(std::get<index>(group.pieces)) + ...);
+  return (Size(std::get<index + 1>(group.pieces)) + ...);
 }
 
 template <typename... Piece>
 TELEFORM_INLINE inline TotalSize Size(const Group<Piece...>& group) {
-  return group.isIncluded ? Size(group, std::index_sequence_for<Piece...>()) : 0;
+  return std::get<0>(group.pieces) ? Size(group, std::index_sequence_for<Piece...>()) : 0;
 }
 
 // By value, here and in Copy: a reference would force the compiler to keep the whole list of pieces
@@ -161,13 +162,13 @@ char* Copy(char* dest, const Literal<size>& literal) {
 template <typename... Piece, std::size_t... index>
 TELEFORM_INLINE inline char* Copy(char* dest, const Group<Piece...>& group,
                                   std::index_sequence<index...> /*all*/) {
-  ((dest = Copy(dest, std::get<index>(group.pieces))), ...);
+  ((dest = Copy(dest, std::get<index + 1>(group.pieces))), ...);
   return dest;
 }
 
 template <typename... Piece>
 TELEFORM_INLINE inline char* Copy(char* dest, const Group<Piece...>& group) {
-  return group.isIncluded ? Copy(dest, group, std::index_sequence_for<Piece...>()) : dest;
+  return std::get<0>(group.pieces) ? Copy(dest, group, std::index_sequence_for<Piece...>()) : dest;
 }
 
 template <typename Container, typename ToPiece>
