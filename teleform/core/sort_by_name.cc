@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 namespace teleform {
 
@@ -74,6 +75,11 @@ void SortByInsertion(const Range& range, std::vector<Range>& pending) {
   }
 }
 
+// std::bit_width returns an int or the type of its argument, depending on the library.
+int BitWidth(std::uint64_t bits) {
+  return std::numeric_limits<std::uint64_t>::digits - std::countl_zero(bits);
+}
+
 // Distributes a range into buckets by the highest bits in which its chunks differ. `buffer` must
 // hold as many keys as the range.
 void Distribute(const Range& range, SortKey* buffer, std::vector<Range>& pending) {
@@ -89,11 +95,11 @@ void Distribute(const Range& range, SortKey* buffer, std::vector<Range>& pending
   // About half as many buckets as keys; more were slower.
   constexpr int kMaxRadixBits = 8;
   const auto keys = static_cast<std::size_t>(range.last - range.first);
-  const int bits = std::min(kMaxRadixBits, static_cast<int>(std::bit_width(keys)) - 1);
-  const int shift = std::max(0, static_cast<int>(std::bit_width(differingBits)) - bits);
-  const std::size_t buckets = std::size_t{1} << bits;
+  const int bits = std::min(kMaxRadixBits, BitWidth(keys) - 1);
+  const int shift = std::max(0, BitWidth(differingBits) - bits);
+  const std::uint32_t buckets = std::uint32_t{1} << bits;
   const auto bucketOf = [=](const SortKey& key) {
-    return static_cast<std::size_t>(key.chunk >> shift) & (buckets - 1);
+    return static_cast<std::uint32_t>(key.chunk >> shift) & (buckets - 1);
   };
   std::array<std::size_t, 1 << kMaxRadixBits> sizes;
   std::fill_n(sizes.begin(), buckets, 0);
