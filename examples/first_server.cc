@@ -41,9 +41,9 @@ Document MakePeople(Maker maker, const std::string& home, const httplib::Request
 
 int main(int argc, char** argv) {
   httplib::Server server;
-  for (const auto& [path, make] : {std::pair{"/", &MakeMenu}, std::pair{"/people", &MakePeople},
+  for (const auto& [path, view] : {std::pair{"/", &MakeMenu}, std::pair{"/people", &MakePeople},
                                    std::pair{"/news", &MakeNews}, std::pair{"/find", &MakeForm}}) {
-    server.Get(path, [make = make](const httplib::Request& request, httplib::Response& response) {
+    server.Get(path, [make = view](const httplib::Request& request, httplib::Response& response) {
       const auto maker = MakerOfUserAgent(request.get_header_value("User-Agent"));
       const std::string home = "http://" + request.get_header_value("Host") + "/";
       const Document page = make(maker.value_or(Maker::kPolycom), home, request);  // browsers: HTML

@@ -151,8 +151,8 @@ bool HTTPConnection::IsBodyAwaited() const {
 void HTTPConnection::Serve() {
   isKeptAlive = parser->get().keep_alive() && parser->is_done();
   deadline = kNever;
-  owner.handlers.serve(Described(), [weak = weak_from_this(), &owner = owner](Response response) {
-    owner.Respond(weak, std::move(response));
+  owner.handlers.serve(Described(), [weak = weak_from_this(), &server = owner](Response response) {
+    server.Respond(weak, std::move(response));
   });
 }
 
