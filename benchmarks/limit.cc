@@ -61,10 +61,15 @@ Renderer RenderKnown(const Contents& contents) {
   const auto size = static_cast<std::size_t>(Copy(contents, measure.data()) - measure.data());
   return [&contents, size](std::string& out) {
     const std::size_t before = out.size();
+#ifdef __cpp_lib_string_resize_and_overwrite
     out.resize_and_overwrite(before + size, [&](char* text, std::size_t end) {
       Copy(contents, text + before);
       return end;
     });
+#else
+    out.resize(before + size);
+    Copy(contents, out.data() + before);
+#endif
   };
 }
 
