@@ -158,9 +158,9 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
   EXPECT_TRUE(
       Eventually([&] { return reader.IsLogged("not indexed: the database is read-only"); }));
   EXPECT_EQ(reader.Stop(), 0);
-  // Changes beside it that the user may not read.
+  // Changes beside it that nobody may read.
   std::ofstream(database + "-wal") << "changes";
-  fs::permissions(database + "-wal", fs::perms{0600});
+  fs::permissions(database + "-wal", fs::perms::none);
   for (const std::string& path : {database, link}) {
     ServerProcess refused(directory.path, path, {}, false);
     EXPECT_FALSE(refused.Listens());
