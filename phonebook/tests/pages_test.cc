@@ -134,6 +134,18 @@ TEST_P(PhoneBook, ComposesTheNearestDocumentOfEachMaker) {
   }());
   WalkAll(*server, *Connect());
 
+  // An alert without a text is none.
+  const ParsedPage alert(server->Get("/aastra/status").text);
+  EXPECT_EQ(alert.First("/*/@Beep") + alert.First("//Message/@type"), "yesalert");
+  *Connect() << "UPDATE notices SET text = ''";
+  const ParsedPage none(server->Get("/aastra/status").text);
+  EXPECT_EQ(none.First("/*/@Beep") + none.First("//Message/@type"), "");
+  EXPECT_EQ(none.First("//Message"), "\nNothing today.");
+}
+
+TEST_P(PhoneBookOnSQLite, ServesValidHTML) {
+  if (std::system("command -v tidy >/dev/null") != 0) GTEST_SKIP() << "tidy is not installed";
+  const auto server = Serve();
   for (const auto& page :
        kPages) {  // documents have no type, and an element "Title" outside "head"
     std::ofstream(directory.path / "page") << server->Get("/polycom/" + page).text;
@@ -144,14 +156,6 @@ TEST_P(PhoneBook, ComposesTheNearestDocumentOfEachMaker) {
               "line 1 column 1 - Warning: missing <!DOCTYPE> declaration\n")
         << page;
   }
-
-  // An alert without a text is none.
-  const ParsedPage alert(server->Get("/aastra/status").text);
-  EXPECT_EQ(alert.First("/*/@Beep") + alert.First("//Message/@type"), "yesalert");
-  *Connect() << "UPDATE notices SET text = ''";
-  const ParsedPage none(server->Get("/aastra/status").text);
-  EXPECT_EQ(none.First("/*/@Beep") + none.First("//Message/@type"), "");
-  EXPECT_EQ(none.First("//Message"), "\nNothing today.");
 }
 
 TEST_P(PhoneBook, PagesThroughContactsThatChangeMeanwhile) {
