@@ -85,7 +85,7 @@ Writer WriterByHand(Maker maker) {
 }
 
 template <typename Write>
-void MeasureWriting(benchmark::State& state, Write write) {
+void MeasureWriting(benchmark::State& state, const Write& write) {
   for (auto _ : state) {
     std::string fresh;
     write(fresh);
@@ -135,7 +135,7 @@ void RegisterScreens() {
       std::cerr << facts.name << " by hand is another directory:\n" << filled << composed;
       std::exit(1);
     }
-    const auto add = [&](const char* implementation, auto write) {
+    const auto add = [&](const char* implementation, const auto& write) {
       benchmark::RegisterBenchmark(
           ("screens/" + std::string(facts.name) + "/" + implementation).c_str(),
           [write](benchmark::State& state) { MeasureWriting(state, write); });

@@ -47,7 +47,10 @@ int main(int argc, char** argv) {
       const auto maker = MakerOfUserAgent(request.get_header_value("User-Agent"));
       const std::string home = "http://" + request.get_header_value("Host") + "/";
       const Document page = make(maker.value_or(Maker::kPolycom), home, request);  // browsers: HTML
-      if (page == nullptr) return response.set_redirect("/");
+      if (page == nullptr) {
+        response.set_redirect("/");
+        return;
+      }
       page->Render(response.body);
       response.set_header("Content-Type", page->GetContentType() + "; charset=utf-8");
     });

@@ -25,7 +25,7 @@ using spdlog::details::thread_pool;
 // Whether stderr is the journal, which adds the time and takes the level as a prefix.
 bool IsJournal() {
   const char* const stream = std::getenv("JOURNAL_STREAM");
-  struct stat file {};
+  struct stat file = {};
   return stream != nullptr && fstat(STDERR_FILENO, &file) == 0 &&
          stream == std::to_string(file.st_dev) + ":" + std::to_string(file.st_ino);
 }

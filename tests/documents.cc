@@ -292,7 +292,7 @@ class OperationList {
 
   // Adds an operation if the document is a `Kind`. `apply` takes a `Kind` or the model.
   template <typename Kind, typename Apply>
-  void Add(const char* name, Apply apply) {
+  void Add(const char* name, const Apply& apply) {
     if (dynamic_cast<const Kind*>(&document) == nullptr) return;
     operations.push_back(
         {name, [apply](IPPhoneXML& target) { return Result(apply, dynamic_cast<Kind&>(target)); },

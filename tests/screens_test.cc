@@ -61,24 +61,17 @@ SampleScreen Sample(const char* name, Document (*compose)(Maker, const Screen&),
           }};
 }
 const std::vector<SampleScreen> kSampleScreens = {
-    Sample<Menu>("menu", ComposeMenu,
-                 [](const auto& t, const auto& keys) {
-                   return Menu{t, {{t, t}, {t, t}}, keys, t, t};
-                 }),
+    Sample<Menu>(
+        "menu", ComposeMenu,
+        [](const auto& t, const auto& keys) { return Menu{t, {{t, t}, {t, t}}, keys, t, t}; }),
     Sample<List>("list", ComposeList,
-                 [](const auto& t, const auto& keys) {
-                   return List{t, {{t, t, t}}, keys, t, t};
-                 }),
+                 [](const auto& t, const auto& keys) { return List{t, {{t, t, t}}, keys, t, t}; }),
     Sample<Text>("text", ComposeText,
-                 [](const auto& t, const auto& keys) {
-                   return Text{t, {t, t}, t, keys};
-                 }),
+                 [](const auto& t, const auto& keys) { return Text{t, {t, t}, t, keys}; }),
     Sample<Form>("form", ComposeForm,
                  [](const auto& t, const auto& keys) { return Form{t, t, t, t, t, keys}; }),
     Sample<Call>("call", ComposeCall,
-                 [](const auto& t, const auto& keys) {
-                   return Call{{t, t, t}, keys};
-                 }),
+                 [](const auto& t, const auto& keys) { return Call{{t, t, t}, keys}; }),
     Sample<Alert>("alert", ComposeAlert, [](const auto& t, const auto& keys) {
       return Alert{{t, {t, t}, t, keys}, true, t, 30};
     })};

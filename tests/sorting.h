@@ -20,6 +20,7 @@ class ExposedDirectory : public IPPhoneDirectoryXML {
   void Render(std::string& /*out*/) override {}
   std::vector<std::pair<std::string, std::string>> Content() const {
     std::vector<std::pair<std::string, std::string>> pairs;
+    pairs.reserve(entries.size());
     for (const auto& entry : entries) pairs.emplace_back(entry->GetName(), entry->GetTelephone());
     return pairs;
   }

@@ -98,7 +98,7 @@ Transaction::~Transaction() {
 bool HasLog(const std::string& path) {
   std::error_code error;
   const auto file = std::filesystem::canonical(path, error);  // beside which the log is
-  struct stat status {};
+  struct stat status = {};
   return !error && stat((file.string() + "-wal").c_str(), &status) == 0 && status.st_size > 0;
 }
 

@@ -30,7 +30,7 @@ constexpr const char* kCompanions[] = {"-journal", "-wal", "-shm"};  // of a fil
 }
 
 bool Exists(const std::string& path) {
-  struct stat status {};
+  struct stat status = {};
   return stat(path.c_str(), &status) == 0;
 }
 
@@ -41,7 +41,7 @@ void RemoveWithCompanions(const std::string& path) {
 
 // Locks a file. Fails when another process has locked it, or has removed it meanwhile.
 bool Lock(int descriptor) {
-  struct stat status {};
+  struct stat status = {};
   return flock(descriptor, LOCK_EX | LOCK_NB) == 0 && fstat(descriptor, &status) == 0 &&
          status.st_nlink > 0;
 }

@@ -124,8 +124,7 @@ PGconn* PostgreSQLLogin::Connect() {
   PGconn* const connection = PQconnectStartParams(keywords.data(), values.data(), 1);
   if (connection == nullptr) return Fail(connection, "out of memory");
   // libpq would write them to stderr, and wait for whoever reads it. The server has logged them.
-  PQsetNoticeReceiver(
-      connection, [](void*, const PGresult*) {}, nullptr);
+  PQsetNoticeReceiver(connection, [](void*, const PGresult*) {}, nullptr);
   if (PQstatus(connection) == CONNECTION_BAD) {
     return Fail(connection, FirstLine(PQerrorMessage(connection)));
   }

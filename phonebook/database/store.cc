@@ -350,7 +350,7 @@ bool Store::IsConnected() {
 // that is missing.
 std::string Store::Identity(const std::string& path) const {
   if (dialect.isPostgreSQL) return database;
-  struct stat status {};
+  struct stat status = {};
   if (stat(path.c_str(), &status) != 0) {
     throw DatabaseUnavailable(path + ": " + std::strerror(errno));
   }

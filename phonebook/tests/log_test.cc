@@ -18,7 +18,7 @@ namespace {
 TEST(Log, CountsLinesThatNobodyReads) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
-  struct stat file {};
+  struct stat file = {};
   fstat(ends[1], &file);
   const std::string journal = std::to_string(file.st_dev) + ":" + std::to_string(file.st_ino);
   const int standardError = dup(STDERR_FILENO);
