@@ -2,6 +2,8 @@
 # Functions that the scripts in this folder share by sourcing this file.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+asRoot=()
+[ "$(id -u)" -eq 0 ] || asRoot=(sudo)
 
 # need PACKAGE...: installs the missing packages, or exits and lists them without root.
 need() {
@@ -12,13 +14,9 @@ need() {
   done
   [ ${#missing[@]} -gt 0 ] || return 0
 
-  asRoot=()
-  if [ "$(id -u)" -ne 0 ]; then
-    if ! command -v sudo >/dev/null; then
-      echo "Please install these packages as root, then try again: ${missing[*]}" >&2
-      exit 1
-    fi
-    asRoot=(sudo)
+  if [ "$(id -u)" -ne 0 ] && ! command -v sudo >/dev/null; then
+    echo "Please install these packages as root, then try again: ${missing[*]}" >&2
+    exit 1
   fi
   echo "Installing ${missing[*]} ..." >&2
   quietly updateLists
@@ -86,6 +84,19 @@ phonebookPackages=(g++ cmake ninja-build pkg-config libcli11-dev libicu-dev
 phonebook=$root/build/phonebook/phonebook/phonebook
 # shellcheck disable=SC2034
 phonebookBenchmarks=$root/build/phonebook/phonebook/benchmarks
+
+# What the tests of the preset dev need.
+# shellcheck disable=SC2034
+testPackages=("${phonebookPackages[@]}" libgtest-dev libxml2-dev abigail-tools valgrind
+  libcpp-httplib-dev curl iproute2 libxml2-utils postgresql tidy)
+
+# mirror: prints the mirror that this system's packages come from.
+mirror() {
+  local release
+  release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+  # shellcheck disable=SC2016
+  apt-get indextargets --format '$(SITE)' "Codename: $release" 'Component: main' | head -1
+}
 
 # buildPhonebook TARGET...: builds targets of the phone book.
 buildPhonebook() {
