@@ -1,10 +1,8 @@
 #include "phonebook/contacts.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 #include "phonebook/text.h"
@@ -43,15 +41,6 @@ std::vector<Contact> ReadContacts(const std::string& path) {
   std::ifstream file(path);
   if (!file) throw std::runtime_error(path + ": " + std::strerror(errno));
   return ReadContacts(file, path);
-}
-
-std::string DialString(std::string_view telephone) {
-  constexpr std::string_view kSeparators = " -./()";
-  std::string number;
-  std::copy_if(telephone.begin(), telephone.end(), std::back_inserter(number),
-               [&](char character) { return kSeparators.find(character) == kSeparators.npos; });
-  const bool isNumber = !number.empty() && number.find_first_not_of("0123456789+*#") == number.npos;
-  return isNumber ? number : std::string(telephone);
 }
 
 }  // namespace phonebook

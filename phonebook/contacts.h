@@ -1,10 +1,9 @@
 /// @file
-/// Contacts, their import format and their numbers.
+/// Contacts and their import format.
 #pragma once
 
 #include <istream>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace phonebook {
@@ -25,9 +24,5 @@ std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& sou
 
 /// Reads contacts from the file at `path`.
 std::vector<Contact> ReadContacts(const std::string& path);
-
-/// What a phone dials: a telephone number without its separators, which are blanks, dashes, dots,
-/// slashes and parentheses; anything else, such as a SIP address, unchanged.
-std::string DialString(std::string_view telephone);
 
 }  // namespace phonebook

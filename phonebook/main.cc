@@ -27,6 +27,7 @@
 #include "phonebook/contacts.h"
 #include "phonebook/database/store.h"
 #include "phonebook/log.h"
+#include "phonebook/numbers.h"
 #include "phonebook/server.h"
 #include "phonebook/url.h"
 
@@ -131,6 +132,12 @@ void AddOptions(CLI::App& app, Options& options) {
   app.add_option("--host", options.server.hosts,
                  "host name or IP address that requests may name, repeatable; any if none")
       ->transform(CLI::Validator(NormalizeHost, ""));
+  app.add_option("--region", options.server.pages.region,
+                 "country of numbers without one, such as DE; none if empty")
+      ->check([](const std::string& region) {
+        const bool isValid = region.empty() || phonebook::IsRegion(region);
+        return isValid ? "" : "it must be a country such as DE";
+      });
   app.add_option("--contacts", options.contacts,
                  "file to import into a new database; if empty, sample contacts")
       ->check(CLI::ExistingFile);

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "phonebook/collation.h"
+#include "phonebook/numbers.h"
 #include "phonebook/text.h"
 
 namespace phonebook {
@@ -146,7 +147,7 @@ PageResult Directory(const PageRequest& request) {
     FrameContacts(list, request, page, PageURI(request, "directory"));
     list.people.reserve(page.contacts.size());
     for (auto& contact : page.contacts) {
-      std::string dialed = DialString(contact.telephone);
+      std::string dialed = DialString(contact.telephone, request.options->region);
       list.people.push_back(
           {std::move(contact.name), std::move(dialed), std::move(contact.telephone)});
     }
@@ -259,14 +260,15 @@ Document ComposeCard(const PageRequest& request, long long id, const Contact& co
       request.maker,
       {contact.name,
        {contact.telephone, contact.department.empty() ? "No department" : contact.department},
-       DialString(contact.telephone),
+       DialString(contact.telephone, request.options->region),
        {{SoftKeyRole::kDial, PageURI(request, "dial", id)}, HomeKey(request)}});
 }
 
 Document ComposeDial(const PageRequest& request, long long /*id*/, const Contact& contact) {
   return ComposeCall(
       request.maker,
-      {{contact.name, DialString(contact.telephone), contact.telephone}, {HomeKey(request)}});
+      {{contact.name, DialString(contact.telephone, request.options->region), contact.telephone},
+       {HomeKey(request)}});
 }
 
 PageResult Card(const PageRequest& request) { return ContactPageOf(request, ComposeCard); }

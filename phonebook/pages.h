@@ -28,12 +28,18 @@ class HTTPError : public std::runtime_error {
   int status;
 };
 
+/// What all pages have in common.
+struct PageOptions {
+  std::string region;  ///< The country of numbers without one, such as "DE"; empty for none.
+};
+
 /// A request for a page.
 struct PageRequest {
   Maker maker;
   std::string base;                           ///< What links begin with, such as "http://host".
   std::vector<std::string> path;              ///< The segments behind the maker's.
   std::map<std::string, std::string> params;  ///< The query.
+  const PageOptions* options;                 ///< Outlives the request.
 };
 
 /// A page in the list of pages: one that takes no contact, or that of contact 1.

@@ -169,7 +169,7 @@ std::variant<Response, Server::Query> Server::Dispatch(const Request& request) c
   }
   const bool isSearch = IsSearch(parsed.target->segments);
   auto page = Route({*parsed.maker, std::move(parsed.base), std::move(parsed.target->segments),
-                     std::move(parsed.target->params)});
+                     std::move(parsed.target->params), &options.pages});
   if (auto* document = std::get_if<Document>(&page)) return MakeResponse(200, **document);
   return Query{std::get<std::function<Document(Store&)>>(std::move(page)), isSearch};
 }
