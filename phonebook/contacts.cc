@@ -1,40 +1,222 @@
 #include "phonebook/contacts.h"
 
+#include <csv.h>
+
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <iterator>
+#include <new>
+#include <optional>
+#include <sstream>
 #include <stdexcept>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
 
 #include "phonebook/text.h"
 
 namespace phonebook {
 
-std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& source) {
-  std::vector<Contact> read;
-  std::string line;
-  const auto fail = [&source](int number, const char* reason) {
-    throw std::runtime_error(source + ":" + std::to_string(number) + ": " + reason);
-  };
-  for (int number = 1; std::getline(contacts, line); ++number) {
-    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    if (number == 1 && line.rfind(kByteOrderMark, 0) == 0) line.erase(0, kByteOrderMark.size());
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.empty() || line.front() == '#') continue;
-    if (!IsUTF8(line)) fail(number, "this is not UTF-8");
-    if (line.find('\0') != line.npos) fail(number, "there is a NUL");
-    const auto first = line.find('\t');
-    const auto second = line.find('\t', first + 1);
-    const bool hasThreeFields =
-        first != line.npos && second != line.npos && line.find('\t', second + 1) == line.npos;
-    if (!hasThreeFields || first == 0 || second == first + 1) {
-      fail(number, "expected a name, a telephone and a department with tabs between");
+namespace {
+
+using Fields = std::vector<std::string>;
+
+struct ColumnFacts {
+  const char* name;
+  std::string Contact::*field;
+};
+constexpr ColumnFacts kFields[] = {{"name", &Contact::name},
+                                   {"telephone", &Contact::telephone},
+                                   {"department", &Contact::department},
+                                   {"key", &Contact::key}};
+
+// The field of a column; null for other columns.
+std::string Contact::*FieldNamed(std::string name) {
+  if (name.size() > 1 && name.front() == '"') name = name.substr(1, name.size() - 2);
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
+  for (const auto& facts : kFields) {
+    if (facts.name == name) return facts.field;
+  }
+  return nullptr;
+}
+
+Fields FieldsOf(const std::string& line) {
+  Fields fields;
+  std::istringstream stream(line.substr(0, line.find('\r')) + "\t");
+  for (std::string field; std::getline(stream, field, '\t');) fields.push_back(std::move(field));
+  return fields;
+}
+
+// Collects contacts, and the faults of all lines.
+class Collector {
+ public:
+  explicit Collector(std::string theSource) : source(std::move(theSource)) {}
+
+  void AddFault(int line, const std::string& reason) {
+    faults += (faults.empty() ? "" : "\n") + source + ":" + std::to_string(line) + ": " + reason;
+  }
+
+  void Add(int line, Contact contact) {
+    for (const auto& [name, field] : kFields) {
+      const std::string& text = contact.*field;
+      if (!IsUTF8(text)) return AddFault(line, "this is not UTF-8");
+      if (text.find('\0') != text.npos) return AddFault(line, "there is a NUL");
     }
-    read.push_back({line.substr(0, first), line.substr(first + 1, second - first - 1),
-                    line.substr(second + 1)});
+    if (contact.name.empty()) return AddFault(line, "the name is empty");
+    if (contact.telephone.empty()) return AddFault(line, "the telephone is empty");
+    if (!contact.key.empty()) {
+      const auto [first, isNew] = lines.emplace(contact.key, line);
+      if (!isNew) {
+        return AddFault(line, "the key is that of line " + std::to_string(first->second));
+      }
+    }
+    contacts.push_back(std::move(contact));
+  }
+
+  // @throws std::runtime_error when there were faults.
+  std::vector<Contact> Collected() {
+    if (!faults.empty()) throw std::runtime_error(faults);
+    if (contacts.empty()) throw std::runtime_error(source + ": no contacts in it");
+    return std::move(contacts);
+  }
+
+ private:
+  std::string source;
+  std::string faults;
+  std::vector<Contact> contacts;
+  std::unordered_map<std::string, int> lines;  // by key
+};
+
+void AddLine(Collector& collector, int number, const std::string& line) {
+  Fields fields = FieldsOf(line);
+  if (fields.size() < 3 || fields.size() > std::size(kFields)) {
+    collector.AddFault(number, "expected a name, a telephone and a department with tabs between");
+    return;
+  }
+  Contact contact;
+  for (std::size_t i = 0; i < fields.size(); ++i) contact.*kFields[i].field = std::move(fields[i]);
+  collector.Add(number, std::move(contact));
+}
+
+// Parses CSV line by line, by libcsv, which knows no line numbers.
+class CSVReader {
+ public:
+  CSVReader(Collector& theCollector, char separator) : collector(theCollector) {
+    if (csv_init(&parser, CSV_STRICT | CSV_STRICT_FINI) != 0) throw std::bad_alloc();
+    csv_set_delim(&parser, static_cast<unsigned char>(separator));
+  }
+  ~CSVReader() { csv_free(&parser); }
+  CSVReader(const CSVReader&) = delete;
+  CSVReader& operator=(const CSVReader&) = delete;
+
+  // @return false when nothing that follows can be parsed.
+  bool ParseLine(const std::string& line) {
+    ++number;
+    const bool isParsed =
+        csv_parse(&parser, line.data(), line.size(), &AddField, &AddRow, this) == line.size();
+    if (!isParsed) collector.AddFault(number, "a quote is neither doubled nor around a field");
+    return isParsed && hasHeader == !columns.empty();
+  }
+
+  void End() {
+    const int line = first;
+    if (csv_fini(&parser, &AddField, &AddRow, this) != 0) {
+      collector.AddFault(line, "a quote is never closed");
+    }
+  }
+
+ private:
+  static void AddField(void* text, std::size_t size, void* self) {
+    static_cast<CSVReader*>(self)->row.emplace_back(static_cast<const char*>(text), size);
+  }
+  static void AddRow(int /*end*/, void* self) { static_cast<CSVReader*>(self)->AddRow(); }
+
+  void AddRow() {
+    const int line = std::exchange(first, number + 1);
+    Fields fields = std::exchange(row, {});
+    if (columns.empty()) return ReadHeader(line, fields);
+    if (fields.size() != columns.size()) {
+      return collector.AddFault(line, "expected " + std::to_string(columns.size()) +
+                                          " fields as in the header, not " +
+                                          std::to_string(fields.size()));
+    }
+    Contact contact;
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      if (columns[i] == nullptr) continue;
+      std::replace_if(
+          fields[i].begin(), fields[i].end(), [](char byte) { return byte > 0 && byte < ' '; },
+          ' ');
+      contact.*columns[i] = std::move(fields[i]);
+    }
+    collector.Add(line, std::move(contact));
+  }
+
+  void ReadHeader(int line, const Fields& fields) {
+    hasHeader = true;
+    for (const auto& field : fields) columns.push_back(FieldNamed(field));
+    for (const auto& [name, field] : kFields) {
+      const auto count = std::count(columns.begin(), columns.end(), field);
+      const bool isRequired = field == &Contact::name || field == &Contact::telephone;
+      if (count > 1) collector.AddFault(line, "the column " + std::string(name) + " is repeated");
+      if (count == 0 && isRequired) {
+        collector.AddFault(line, "the header lacks the column " + std::string(name));
+      }
+      hasHeader = hasHeader && count <= 1 && (count == 1 || !isRequired);
+    }
+  }
+
+  Collector& collector;
+  csv_parser parser{};
+  Fields row;
+  std::vector<std::string Contact::*> columns;  // null for those that are ignored
+  bool hasHeader = false;                       // which is whole
+  int number = 0;                               // of the line
+  int first = 1;                                // line of the row
+};
+
+// The separator of CSV with this header; none of a line of the other format, which has tabs and no
+// header.
+std::optional<char> SeparatorOf(const std::string& header) {
+  char separator = ',';
+  for (const char other : {';', '\t'}) {
+    if (std::count(header.begin(), header.end(), other) >
+        std::count(header.begin(), header.end(), separator)) {
+      separator = other;
+    }
+  }
+  const Fields names = separator == '\t' ? FieldsOf(header) : Fields{};
+  const bool isHeader = std::any_of(names.begin(), names.end(), FieldNamed);
+  const bool isLine = header.empty() || header.front() == '#' || (separator == '\t' && !isHeader);
+  return isLine ? std::nullopt : std::optional(separator);
+}
+
+}  // namespace
+
+std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& source) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  Collector collector(source);
+  std::optional<CSVReader> csv;
+  std::string line;
+  bool canContinue = true;
+  for (int number = 1; canContinue && std::getline(contacts, line); ++number) {
+    if (number == 1) {
+      if (line.rfind(kByteOrderMark, 0) == 0) line.erase(0, kByteOrderMark.size());
+      if (const auto separator = SeparatorOf(line)) csv.emplace(collector, *separator);
+    }
+    if (csv) {
+      canContinue = csv->ParseLine(line + "\n");
+    } else if (!line.empty() && line != "\r" && line.front() != '#') {
+      if (line.back() == '\r') line.pop_back();
+      AddLine(collector, number, line);
+    }
   }
   if (contacts.bad()) throw std::runtime_error(source + ": " + std::strerror(errno));
-  if (read.empty()) throw std::runtime_error(source + ": no contacts in it");
-  return read;
+  if (csv && canContinue) csv->End();
+  return collector.Collected();
 }
 
 std::vector<Contact> ReadContacts(const std::string& path) {

@@ -1,5 +1,5 @@
 /// @file
-/// Contacts and their import format.
+/// Contacts and the files that hold them.
 #pragma once
 
 #include <istream>
@@ -13,13 +13,19 @@ struct Contact {
   std::string name;
   std::string telephone;
   std::string department;
+  std::string key{};  ///< What identifies the contact in the files of the user; possibly empty.
 };
 
-/// Reads contacts in UTF-8, one per line: name, telephone and department, separated by tabs. Only
-/// the department may be empty. Skips empty lines and lines that begin with #. Ignores a byte order
-/// mark at the start and carriage returns at the ends of lines.
+/// Reads contacts in UTF-8 from one of two formats. A byte order mark at the start is ignored.
+/// - CSV as RFC 4180 describes it, separated by commas, semicolons or tabs. The header names the
+///   columns in any order: `name`, `telephone`, and possibly `department` and `key`. Others are
+///   ignored. Control characters, such as line feeds in quotes, become spaces.
+/// - One contact per line: name, telephone, department and possibly a key, separated by tabs. Empty
+///   lines and lines that begin with # are skipped.
+/// A name and a telephone must not be empty, and a key not be repeated.
 /// @param source the name of the stream in messages, such as a file name.
-/// @throws std::runtime_error when a line is malformed, reading fails or there are no contacts.
+/// @throws std::runtime_error when reading fails, there are no contacts, or lines are malformed.
+/// The message then has a line for each of them.
 std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& source);
 
 /// Reads contacts from the file at `path`.

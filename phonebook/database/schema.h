@@ -25,7 +25,7 @@
 namespace phonebook {
 
 /// The version that this program creates and reads. The shape without a version is version 1.
-constexpr int kSchemaVersion = 3;
+constexpr int kSchemaVersion = 4;
 
 /// A column of `contacts` that holds a field of `Contact`.
 struct Column {
@@ -41,6 +41,7 @@ inline constexpr std::array kColumns = {
     Column{"name", &Contact::name, true, true, 1},
     Column{"telephone", &Contact::telephone, true, false, 1},
     Column{"department", &Contact::department, false, true, 1},
+    Column{"key", &Contact::key, false, false, 4},
 };
 
 /// The names of `kColumns`, separated by commas.
