@@ -5,77 +5,36 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
-#include <functional>
 #include <iostream>
-#include <memory>
-#include <mutex>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 #include "phonebook/assets.h"
 #include "phonebook/contacts.h"
+#include "phonebook/database/backup.h"
+#include "phonebook/database/connection.h"
+#include "phonebook/database/replacement.h"
 #include "phonebook/database/store.h"
 #include "phonebook/log.h"
-#include "phonebook/numbers.h"
+#include "phonebook/options.h"
 #include "phonebook/server.h"
-#include "phonebook/url.h"
+#include "phonebook/signals.h"
 
 namespace {
 
+using phonebook::Options;
+using phonebook::Signals;
+
 constexpr std::chrono::milliseconds kFlushTimeout(300);
-
-struct Options {
-  phonebook::ServerOptions server;
-  std::string database = "phonebook.db";
-  std::string contacts;
-};
-
-// Handles SIGTERM and SIGINT. Must be created before other threads, which inherit the signal mask.
-class Signals {
- public:
-  Signals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    std::thread([this, signals] {
-      for (int number = 0; sigwait(&signals, &number) == 0;) {
-        const std::lock_guard lock(mutex);
-        isStopped = true;
-        stop();
-      }
-    }).detach();
-  }
-
-  // Calls `handler` on a signal, at once if there was one before, while the returned value lives.
-  std::shared_ptr<void> OnStop(std::function<void()> handler) {
-    const std::lock_guard lock(mutex);
-    stop = std::move(handler);
-    if (isStopped) stop();
-    return {this, [](Signals* signals) {
-              const std::lock_guard relock(signals->mutex);
-              signals->stop = [] {};
-            }};
-  }
-
-  std::atomic<bool> isStopped = false;
-
- private:
-  std::mutex mutex;
-  std::function<void()> stop = [] { std::_Exit(EXIT_SUCCESS); };  // nothing has begun
-};
 
 // Shows the progress of an import on a terminal.
 void ShowProgress(std::size_t done, std::size_t total) {
@@ -96,51 +55,52 @@ bool CreateOrOpen(const Options& options, Signals& signals) {
                             : phonebook::ReadContacts(options.contacts);
   phonebook::Store store(options.database);
   const auto stopping = signals.OnStop([&] { store.Interrupt(); });
-  return store.CreateOrOpen(contacts, [&](std::size_t done, std::size_t total) {
+  bool isImported = false;
+  const bool isOpened = store.CreateOrOpen(contacts, [&](std::size_t done, std::size_t total) {
     ShowProgress(done, total);
+    isImported = isImported || done > 0;
     return !signals.isStopped;
   });
+  if (isOpened && !isImported && !options.contacts.empty()) {
+    phonebook::Log(phonebook::Severity::kWarning,
+                   "the option --contacts does nothing, as the database exists: run phonebook "
+                   "import " +
+                       options.contacts);
+  }
+  return isOpened;
 }
 
-std::string NormalizeBaseURL(std::string& url) {
-  const auto normalized = phonebook::NormalizeBaseURL(url);
-  url = normalized.value_or(url);
-  return normalized ? "" : "it must be like http://phonebook.example:8080";
-}
-
-std::string NormalizeHost(std::string& host) {
-  const bool isBareIPv6 = std::count(host.begin(), host.end(), ':') > 1 && host.front() != '[';
-  const auto name = phonebook::HostNameOf(isBareIPv6 ? "[" + host + "]" : host);
-  host = name.value_or(host);
-  return name ? "" : "it must be a host name or IP address";
-}
-
-void AddOptions(CLI::App& app, Options& options) {
-  app.option_defaults()->always_capture_default();
-  app.add_option("--address", options.server.address, "IP address to listen on");
-  app.add_option("--port", options.server.port, "port to listen on, 0 for any free port")
-      ->check(CLI::Range(0, 65535));
-  app.add_option("--max-connections", options.server.maxConnections, "open connections of clients")
-      ->check(CLI::Range(1, 1000000));
-  app.add_option("--database", options.database, "SQLite file, or postgresql://user@host/database");
-  app.add_option("--database-connections", options.server.databaseConnections,
-                 "connections to the database")
-      ->check(CLI::Range(1, 1000));
-  app.add_option("--base-url", options.server.baseURL,
-                 "beginning of all links; if empty, the host of the request")
-      ->transform(CLI::Validator(NormalizeBaseURL, ""));
-  app.add_option("--host", options.server.hosts,
-                 "host name or IP address that requests may name, repeatable; any if none")
-      ->transform(CLI::Validator(NormalizeHost, ""));
-  app.add_option("--region", options.server.pages.region,
-                 "country of numbers without one, such as DE; none if empty")
-      ->check([](const std::string& region) {
-        const bool isValid = region.empty() || phonebook::IsRegion(region);
-        return isValid ? "" : "it must be a country such as DE";
-      });
-  app.add_option("--contacts", options.contacts,
-                 "file to import into a new database; if empty, sample contacts")
-      ->check(CLI::ExistingFile);
+// Makes the contacts those of a file.
+// @return false when a signal stopped it.
+bool Import(const Options& options, Signals& signals) {
+  auto contacts = phonebook::ReadContacts(options.file);
+  const std::size_t count = contacts.size();
+  phonebook::Store store(options.database);
+  const auto report = [&](std::size_t done, std::size_t total) {
+    ShowProgress(done, total);
+    return !signals.isStopped;
+  };
+  {
+    const auto stopping = signals.OnStop([&] { store.Interrupt(); });
+    if (!store.CreateOrOpen({}, report)) return false;
+  }
+  phonebook::DatabaseConnection connection(options.database);
+  connection.Open();
+  const auto stopping = signals.OnStop([&] { connection.Interrupt(); });
+  try {
+    const auto differences = phonebook::Replace(connection, std::move(contacts), options.isForced,
+                                                [&](std::size_t done, std::size_t total) {
+                                                  if (!report(done, total))
+                                                    throw std::runtime_error("stopped");
+                                                });
+    std::cout << "phonebook: " << differences.added << " added, " << differences.changed
+              << " changed, " << differences.removed << " removed, "
+              << count - differences.added - differences.changed << " unchanged\n";
+    return true;
+  } catch (const std::exception&) {
+    if (signals.isStopped) return false;
+    throw;
+  }
 }
 
 // Allows as many open files as the system does, and leaves the database those that it needs.
@@ -171,16 +131,13 @@ void PrintAddresses(const std::string& host) {
   std::cout << "and, in a browser, http://" << host << "/preview\n" << std::flush;
 }
 
-int Main(int argc, char** argv) {
-  Options options;
-  CLI::App app("A company phone book for IP phones, and a preview of it at /preview.", "phonebook");
-  AddOptions(app, options);
-  CLI11_PARSE(app, argc, argv);
+int Stopped() {
+  phonebook::Log(phonebook::Severity::kWarning, "stopped; the database is unchanged");
+  phonebook::FlushLog(kFlushTimeout);
+  return 1;
+}
 
-  static Signals signals;   // outlives its detached thread
-  signal(SIGHUP, SIG_IGN);  // the terminal may close
-  signal(SIGPIPE, SIG_IGN);
-  signal(SIGXFSZ, SIG_IGN);  // the write fails
+int Serve(Options& options, Signals& signals) {
   // Returns the memory of large responses to the system: 118 MB instead of 176 MB stay after 1,500
   // clients that read nothing of a page of 1 MB.
   mallopt(M_MMAP_THRESHOLD, 128 * 1024);
@@ -188,11 +145,7 @@ int Main(int argc, char** argv) {
   LimitConnections(options.server);
   phonebook::Server server(options.database, options.server);
   const std::string host = server.Listen();
-  if (!CreateOrOpen(options, signals)) {
-    phonebook::Log(phonebook::Severity::kWarning, "stopped; the database is unchanged");
-    phonebook::FlushLog(kFlushTimeout);
-    return 1;
-  }
+  if (!CreateOrOpen(options, signals)) return Stopped();
   PrintAddresses(host);
   const auto stopping = signals.OnStop([&] { server.Stop(); });
   const bool hasEnded = server.Run();
@@ -202,8 +155,30 @@ int Main(int argc, char** argv) {
   return 0;
 }
 
+int Main(int argc, char** argv) {
+  Options options;
+  if (const auto status = phonebook::ParseOptions(argc, argv, options)) return *status;
+  static Signals signals;   // outlives its detached thread
+  signal(SIGHUP, SIG_IGN);  // the terminal may close
+  signal(SIGPIPE, SIG_IGN);
+  signal(SIGXFSZ, SIG_IGN);  // the write fails
+  switch (options.command) {
+    case Options::Command::kImport:
+      return Import(options, signals) ? 0 : Stopped();
+    case Options::Command::kBackUp:
+      phonebook::BackUp(options.database, options.file);
+      return 0;
+    case Options::Command::kServe:
+      break;
+  }
+  return Serve(options, signals);
+}
+
 int Fail(const std::string& reason) {
-  phonebook::Log(phonebook::Severity::kError, reason);
+  std::istringstream lines(reason);
+  for (std::string line; std::getline(lines, line);) {
+    phonebook::Log(phonebook::Severity::kError, line);
+  }
   phonebook::FlushLog(kFlushTimeout);
   return 1;
 }
@@ -217,6 +192,8 @@ int main(int argc, char** argv) {
     return Fail(error.what());
   } catch (const std::system_error& error) {
     return Fail("can't create a thread: " + error.code().message());
+  } catch (const soci::soci_error& error) {
+    return Fail(phonebook::MessageOf(error));
   } catch (const std::exception& error) {
     return Fail(error.what());
   }

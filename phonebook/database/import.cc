@@ -50,22 +50,18 @@ class Progress {
 };
 
 struct Row {
+  long long id;
   const Contact* contact;
   std::string collationKey, allKeys;
 };
 
-// In the order of the names, in which ids are given.
-std::vector<Row> SortedRows(const std::vector<Contact>& contacts, Progress& progress) {
+std::vector<Row> MakeRows(const std::vector<Contact>& contacts, Progress& progress) {
   std::vector<Row> rows;
   rows.reserve(contacts.size());
   for (const auto& contact : contacts) {
-    rows.push_back({&contact, CollationKey(contact.name), AllKeys(contact)});
+    rows.push_back({0, &contact, CollationKey(contact.name), AllKeys(contact)});
     progress.Step();
   }
-  std::stable_sort(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
-    progress.Step();
-    return a.collationKey < b.collationKey;
-  });
   return rows;
 }
 
@@ -89,7 +85,7 @@ SearchKeyRows SortedSearchKeys(const std::vector<Row>& rows, Progress& progress)
 void InsertContacts(BulkInsert& insert, const std::vector<Row>& rows, Progress& progress) {
   std::vector<std::string_view> values;
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    const std::string id = std::to_string(i + 1);
+    const std::string id = std::to_string(rows[i].id);
     values.assign(1, id);
     for (const auto& column : kColumns) values.emplace_back(rows[i].contact->*column.field);
     values.insert(values.end(), {rows[i].collationKey, rows[i].allKeys, "1"});
@@ -103,20 +99,15 @@ void InsertContacts(BulkInsert& insert, const std::vector<Row>& rows, Progress& 
 void InsertSearchKeys(BulkInsert& insert, const std::vector<Row>& rows, const SearchKeyRows& keys,
                       Progress& progress) {
   for (const auto& [key, i] : keys) {
-    insert.Add({key, rows[i].collationKey, std::to_string(i + 1), rows[i].allKeys});
+    insert.Add({key, rows[i].collationKey, std::to_string(rows[i].id), rows[i].allKeys});
     ++progress.done;
     progress.Step();
   }
   insert.Flush();
 }
 
-}  // namespace
-
-void Import(soci::session& session, const Dialect& dialect, const std::vector<Contact>& contacts,
-            const ImportReporter& report) {
-  Progress progress(report);
-  CreateTables(session, dialect);
-  const std::vector<Row> rows = SortedRows(contacts, progress);
+void InsertRows(soci::session& session, const Dialect& dialect, const std::vector<Row>& rows,
+                Progress& progress) {
   const SearchKeyRows keys = SortedSearchKeys(rows, progress);
   progress.total = rows.size() + keys.size();
 
@@ -131,13 +122,37 @@ void Import(soci::session& session, const Dialect& dialect, const std::vector<Co
       session, dialect, "search_keys",
       {{"key", "TEXT"}, {"collation_key", "TEXT"}, {"contact", "BIGINT"}, {"all_keys", "TEXT"}});
   InsertSearchKeys(intoSearchKeys, rows, keys, progress);
+}
 
+}  // namespace
+
+void InsertIndexed(soci::session& session, const Dialect& dialect,
+                   const std::vector<Contact>& contacts, const std::vector<long long>& ids,
+                   const ImportReporter& report) {
+  Progress progress(report);
+  std::vector<Row> rows = MakeRows(contacts, progress);
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i].id = ids[i];
+  std::sort(rows.begin(), rows.end(), [](const Row& a, const Row& b) { return a.id < b.id; });
+  InsertRows(session, dialect, rows, progress);
+}
+
+void Import(soci::session& session, const Dialect& dialect, const std::vector<Contact>& contacts,
+            const ImportReporter& report) {
+  Progress progress(report);
+  CreateTables(session, dialect);
+  std::vector<Row> rows = MakeRows(contacts, progress);
+  std::stable_sort(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
+    progress.Step();
+    return a.collationKey < b.collationKey;
+  });
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i].id = static_cast<long long>(i + 1);
+  InsertRows(session, dialect, rows, progress);
   CreateTriggersAndIndexes(session, dialect, [&] { progress.Report(); });
   for (const auto& sql : dialect.afterImport) {
     session << sql;
     progress.Report();
   }
-  session << kNotices;
+  if (!contacts.empty()) session << kNotices;
 }
 
 }  // namespace phonebook

@@ -1,5 +1,5 @@
 /// @file
-/// The import of contacts into an empty database.
+/// The import of contacts into empty tables.
 #pragma once
 
 #include <soci/soci.h>
@@ -16,9 +16,17 @@ namespace phonebook {
 /// Told how many of `total` steps are done. What it throws ends the import.
 using ImportReporter = std::function<void(std::size_t done, std::size_t total)>;
 
-/// Creates the tables, fills them with `contacts`, indexed, and with sample notices, in a
+/// Creates the tables, fills them with `contacts`, indexed, and with sample notices
+/// unless there are none, in a
 /// transaction of the caller.
 void Import(soci::session& session, const Dialect& dialect, const std::vector<Contact>& contacts,
             const ImportReporter& report);
+
+/// Fills `contacts` and `search_keys`, which are empty, in a transaction of the caller. Triggers
+/// must not be active.
+/// @param ids those of `contacts`.
+void InsertIndexed(soci::session& session, const Dialect& dialect,
+                   const std::vector<Contact>& contacts, const std::vector<long long>& ids,
+                   const ImportReporter& report);
 
 }  // namespace phonebook

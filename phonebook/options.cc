@@ -1,0 +1,88 @@
+#include "phonebook/options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+#include "phonebook/numbers.h"
+#include "phonebook/url.h"
+
+namespace phonebook {
+
+namespace {
+
+std::string CheckedBaseURL(std::string& url) {
+  const auto normalized = NormalizeBaseURL(url);
+  url = normalized.value_or(url);
+  return normalized ? "" : "it must be like http://phonebook.example:8080";
+}
+
+std::string CheckedHost(std::string& host) {
+  const bool isBareIPv6 = std::count(host.begin(), host.end(), ':') > 1 && host.front() != '[';
+  const auto name = HostNameOf(isBareIPv6 ? "[" + host + "]" : host);
+  host = name.value_or(host);
+  return name ? "" : "it must be a host name or IP address";
+}
+
+std::string CheckedRegion(std::string& region) {
+  const bool isValid = region.empty() || IsRegion(region);
+  return isValid ? "" : "it must be a country such as DE";
+}
+
+void AddOptions(CLI::App& app, Options& options) {
+  ServerOptions& server = options.server;
+  app.option_defaults()->always_capture_default();
+  app.add_option("--address", server.address, "IP address to listen on");
+  app.add_option("--port", server.port, "port to listen on, 0 for any free port")
+      ->check(CLI::Range(0, 65535));
+  app.add_option("--max-connections", server.maxConnections, "open connections of clients")
+      ->check(CLI::Range(1, 1000000));
+  app.add_option("--database", options.database, "SQLite file, or postgresql://user@host/database");
+  app.add_option("--database-connections", server.databaseConnections,
+                 "connections to the database")
+      ->check(CLI::Range(1, 1000));
+  app.add_option("--base-url", server.baseURL,
+                 "beginning of all links; if empty, the host of the request")
+      ->transform(CLI::Validator(CheckedBaseURL, ""));
+  app.add_option("--host", server.hosts,
+                 "host name or IP address that requests may name, repeatable; any if none")
+      ->transform(CLI::Validator(CheckedHost, ""));
+  app.add_option("--region", server.pages.region,
+                 "country of numbers without one, such as DE; none if empty")
+      ->transform(CLI::Validator(CheckedRegion, ""));
+  app.add_option("--contacts", options.contacts,
+                 "file to import into a new database; if empty, sample contacts")
+      ->check(CLI::ExistingFile);
+}
+
+void AddCommands(CLI::App& app, Options& options) {
+  app.require_subcommand(0, 1);
+  app.fallthrough();
+  CLI::App* const import =
+      app.add_subcommand("import", "Make the contacts those of a file, also while servers run");
+  import->add_option("FILE", options.file, "contacts as CSV with a header, or one a line with tabs")
+      ->required()
+      ->check(CLI::ExistingFile);
+  import->add_flag("--force", options.isForced, "even if more than half of the contacts go");
+  CLI::App* const backup =
+      app.add_subcommand("backup", "Copy an SQLite database, also while servers run");
+  backup->add_option("FILE", options.file, "new file of the copy")->required();
+  import->callback([&] { options.command = Options::Command::kImport;
+});
+backup->callback([&] { options.command = Options::Command::kBackUp; });
+}  // namespace
+
+}  // namespace phonebook
+
+std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
+  CLI::App app("A company phone book for IP phones, and a preview of it at /preview.", "phonebook");
+  AddOptions(app, options);
+  AddCommands(app, options);
+  try {
+    app.parse(argc, argv);
+    return std::nullopt;
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error);
+  }
+}
+
+}  // namespace phonebook
