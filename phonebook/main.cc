@@ -119,7 +119,7 @@ void LimitConnections(phonebook::ServerOptions& options) {
 }
 
 // A full pipe that nobody reads must not keep the server from starting.
-void PrintAddresses(const std::string& host) {
+void PrintAddresses(const std::string& host, bool hasPreview) {
   constexpr int kTimeout = 100;  // milliseconds
   pollfd file{STDOUT_FILENO, POLLOUT, 0};
   if (poll(&file, 1, kTimeout) <= 0) return;
@@ -128,7 +128,8 @@ void PrintAddresses(const std::string& host) {
   for (std::string address; std::getline(addresses, address);) {
     std::cout << "  curl " << address << "\n";
   }
-  std::cout << "and, in a browser, http://" << host << "/preview\n" << std::flush;
+  if (hasPreview) std::cout << "and, in a browser, http://" << host << "/preview\n";
+  std::cout << std::flush;
 }
 
 int Stopped() {
@@ -146,7 +147,7 @@ int Serve(Options& options, Signals& signals) {
   phonebook::Server server(options.database, options.server);
   const std::string host = server.Listen();
   if (!CreateOrOpen(options, signals)) return Stopped();
-  PrintAddresses(host);
+  PrintAddresses(host, !options.server.isPreviewOff);
   const auto stopping = signals.OnStop([&] { server.Stop(); });
   const bool hasEnded = server.Run();
   phonebook::Log(phonebook::Severity::kInfo, "stopped");

@@ -30,6 +30,10 @@ std::string CheckedRegion(std::string& region) {
 
 void AddOptions(CLI::App& app, Options& options) {
   ServerOptions& server = options.server;
+  app.set_version_flag("--version", PHONEBOOK_VERSION);
+  app.set_config("--config", "/etc/teleform/phonebook.conf",
+                 "file with a line NAME = VALUE for any of these options");
+  app.allow_config_extras(CLI::config_extras_mode::error);
   app.option_defaults()->always_capture_default();
   app.add_option("--address", server.address, "IP address to listen on");
   app.add_option("--port", server.port, "port to listen on, 0 for any free port")
@@ -49,6 +53,7 @@ void AddOptions(CLI::App& app, Options& options) {
   app.add_option("--region", server.pages.region,
                  "country of numbers without one, such as DE; none if empty")
       ->transform(CLI::Validator(CheckedRegion, ""));
+  app.add_flag("--no-preview", server.isPreviewOff, "serve no preview at /preview");
   app.add_option("--contacts", options.contacts,
                  "file to import into a new database; if empty, sample contacts")
       ->check(CLI::ExistingFile);

@@ -98,7 +98,7 @@ std::string Addresses(const std::string& server) {
 
 Server::Server(const std::string& database, ServerOptions theOptions)
     : options(std::move(theOptions)),
-      preview(MakePreview()),
+      preview(options.isPreviewOff ? std::map<std::string, Response>() : MakePreview()),
       http({[this](Request request, ResponseCallback done) {
               Serve(std::move(request), std::move(done));
             },

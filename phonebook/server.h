@@ -26,6 +26,7 @@ struct ServerOptions {
   std::size_t maxConnections = 20000;
   std::size_t databaseConnections = 8;
   PageOptions pages;
+  bool isPreviewOff = false;
   std::string baseURL;  ///< What links begin with; by default the Host field of the request.
   std::vector<std::string> hosts;  ///< As `HostNameOf` returns them; if any, no others are served.
 };

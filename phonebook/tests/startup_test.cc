@@ -121,6 +121,8 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
       {{"--contacts", file("short.tsv", "# A\n\nB\t1\n")}, "short.tsv:3: expected"},
       {{"--address", "8.8.8.8"}, "can't listen on 8.8.8.8"},
       {{"--address", "somewhere"}, "can't listen on somewhere"},
+      {{"--config", file("typo.conf", "prot = 8080\n")}, "prot"},
+      {{"--config", file("bad.conf", "region = Germany\n")}, "a country such as DE"},
       {{"--host", "phone_book.example"}, "it must be a host name"},
       {{"--base-url", "ftp://phonebook.example"}, "it must be like http://"},
   };
@@ -138,8 +140,12 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
                          "\xEF\xBB\xBF"
                          "Anna\t1\tSales\r\nBen\t2\t\r\n");
   {
-    const auto server = Serve(
-        {"--contacts", text, "--address", "0.0.0.0", "--base-url", "https://phones.example/book/"});
+    const auto server =
+        Serve({"--config",
+               file("a.conf",
+                    "# All options\naddress = 0.0.0.0\nbase-url = https://phones.example/book/\n"
+                    "contacts = \"" +
+                        text + "\"\nhost = [\"127.0.0.1\", \"phones.example\"]\n")});
     EXPECT_FALSE(server->IsLogged("0.0.0.0"));
     EXPECT_NE(server->Get("/snom/").text.find(">https://phones.example/book/snom/directory<"),
               std::string::npos);
