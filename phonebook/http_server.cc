@@ -1,6 +1,7 @@
 #include "phonebook/http_server.h"
 
 #include <algorithm>
+#include <atomic>
 #include <boost/asio/dispatch.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -52,6 +53,8 @@ class HTTPServer::Implementation : public ConnectionOwner {
 
   void Respond(const std::weak_ptr<HTTPConnection>& connection, Response response) override;
   void Remove(const std::shared_ptr<HTTPConnection>& connection) override;
+
+  std::atomic<std::size_t> count = 0;  // of connections, for other threads
 
  private:
   using QueuedResponse = std::pair<std::weak_ptr<HTTPConnection>, Response>;
@@ -114,6 +117,7 @@ void HTTPServer::Implementation::OnAccept(tcp::socket socket) {
   const auto connection =
       std::make_shared<HTTPConnection>(*this, std::move(socket), MakePeer(peer.address()));
   connections.insert(connection);
+  count = connections.size();
   connection->ReadRequest();
 }
 
@@ -125,6 +129,7 @@ void HTTPServer::Implementation::CheckDeadlines() {
 
 void HTTPServer::Implementation::Remove(const std::shared_ptr<HTTPConnection>& connection) {
   connections.erase(connection);
+  count = connections.size();
   if (isStopping && connections.empty()) {
     context.stop();
   } else if (!isAccepting) {
@@ -215,6 +220,8 @@ void HTTPServer::CallEvery(std::chrono::milliseconds interval, std::function<voi
 }
 
 void HTTPServer::Run(std::chrono::milliseconds timeout) { implementation->Run(timeout); }
+
+std::size_t HTTPServer::Connections() const { return implementation->count; }
 
 void HTTPServer::Stop() { implementation->Stop(); }
 

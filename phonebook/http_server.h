@@ -55,6 +55,9 @@ class HTTPServer {
   /// stop.
   void Run(std::chrono::milliseconds timeout);
 
+  /// How many clients are connected. May be called from any thread.
+  std::size_t Connections() const;
+
   /// May be called from any thread, also before `Run`.
   void Stop();
 

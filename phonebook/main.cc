@@ -12,12 +12,14 @@
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
 
+#include "phonebook/admin_server.h"
 #include "phonebook/assets.h"
 #include "phonebook/contacts.h"
 #include "phonebook/database/backup.h"
@@ -119,7 +121,7 @@ void LimitConnections(phonebook::ServerOptions& options) {
 }
 
 // A full pipe that nobody reads must not keep the server from starting.
-void PrintAddresses(const std::string& host, bool hasPreview) {
+void PrintAddresses(const std::string& host, const std::string& admin, bool hasPreview) {
   constexpr int kTimeout = 100;  // milliseconds
   pollfd file{STDOUT_FILENO, POLLOUT, 0};
   if (poll(&file, 1, kTimeout) <= 0) return;
@@ -128,6 +130,7 @@ void PrintAddresses(const std::string& host, bool hasPreview) {
   for (std::string address; std::getline(addresses, address);) {
     std::cout << "  curl " << address << "\n";
   }
+  if (!admin.empty()) std::cout << "for a monitor, http://" << admin << "/health and /metrics\n";
   if (hasPreview) std::cout << "and, in a browser, http://" << host << "/preview\n";
   std::cout << std::flush;
 }
@@ -147,9 +150,15 @@ int Serve(Options& options, Signals& signals) {
   phonebook::Server server(options.database, options.server);
   const std::string host = server.Listen();
   if (!CreateOrOpen(options, signals)) return Stopped();
-  PrintAddresses(host, !options.server.isPreviewOff);
+  std::optional<phonebook::AdminServer> admin(
+      std::in_place, options.admin,
+      phonebook::AdminHandlers{[&] { return server.Failure(); },
+                               [&] { return server.MetricsText(); }},
+      [&] { return server.IsServing(); });
+  PrintAddresses(host, admin->Address(), !options.server.isPreviewOff);
   const auto stopping = signals.OnStop([&] { server.Stop(); });
   const bool hasEnded = server.Run();
+  admin.reset();
   phonebook::Log(phonebook::Severity::kInfo, "stopped");
   phonebook::FlushLog(kFlushTimeout);
   if (!hasEnded) std::_Exit(EXIT_SUCCESS);  // a worker hangs in the database

@@ -23,6 +23,12 @@ std::string CheckedHost(std::string& host) {
   return name ? "" : "it must be a host name or IP address";
 }
 
+std::string CheckedAdmin(const std::string& address) {
+  const bool isAddress = address.empty() || (HostNameOf(address) && address.back() != ']' &&
+                                             address.find(':') != address.npos);
+  return isAddress ? "" : "it must be like 127.0.0.1:9480";
+}
+
 std::string CheckedRegion(std::string& region) {
   const bool isValid = region.empty() || IsRegion(region);
   return isValid ? "" : "it must be a country such as DE";
@@ -38,6 +44,9 @@ void AddOptions(CLI::App& app, Options& options) {
   app.add_option("--address", server.address, "IP address to listen on");
   app.add_option("--port", server.port, "port to listen on, 0 for any free port")
       ->check(CLI::Range(0, 65535));
+  app.add_option("--admin-address", options.admin,
+                 "IP address and port of /health and /metrics; none if empty")
+      ->check(CheckedAdmin);
   app.add_option("--max-connections", server.maxConnections, "open connections of clients")
       ->check(CLI::Range(1, 1000000));
   app.add_option("--database", options.database, "SQLite file, or postgresql://user@host/database");

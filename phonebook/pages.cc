@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <optional>
 #include <sstream>
 #include <system_error>
@@ -319,14 +320,6 @@ constexpr PageFacts kPages[] = {
     {"status", "Alert", false, Alert},
 };
 
-const PageFacts* FindPage(const std::vector<std::string>& path) {
-  for (const auto& page : kPages) {
-    const bool isNamed = path.empty() ? *page.path == '\0' : path.front() == page.path;
-    if (isNamed && path.size() <= (page.takesContact ? 2 : 1)) return &page;
-  }
-  return nullptr;
-}
-
 }  // namespace
 
 std::vector<PageLink> AllPages() {
@@ -337,11 +330,17 @@ std::vector<PageLink> AllPages() {
   return pages;
 }
 
-bool IsPage(const std::vector<std::string>& path) { return FindPage(path) != nullptr; }
+std::optional<std::size_t> FindPage(const std::vector<std::string>& path) {
+  for (std::size_t i = 0; i < std::size(kPages); ++i) {
+    const bool isNamed = path.empty() ? *kPages[i].path == '\0' : path.front() == kPages[i].path;
+    if (isNamed && path.size() <= (kPages[i].takesContact ? 2 : 1)) return i;
+  }
+  return std::nullopt;
+}
 
 bool IsSearch(const std::vector<std::string>& path) {
-  const PageFacts* const page = FindPage(path);
-  return page != nullptr && page->make == Search;
+  const auto page = FindPage(path);
+  return page && kPages[*page].make == Search;
 }
 
 std::string HomeURI(const std::string& base, Maker maker) {
@@ -349,9 +348,9 @@ std::string HomeURI(const std::string& base, Maker maker) {
 }
 
 PageResult Route(const PageRequest& request) {
-  const PageFacts* page = FindPage(request.path);
-  if (page == nullptr) throw HTTPError(404, kNoPage);
-  return page->make(request);
+  const auto page = FindPage(request.path);
+  if (!page) throw HTTPError(404, kNoPage);
+  return kPages[*page].make(request);
 }
 
 Document ComposeErrorPage(Maker maker, const std::string& base, const std::string& title,

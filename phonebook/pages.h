@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <variant>
@@ -49,8 +50,8 @@ struct PageLink {
 };
 std::vector<PageLink> AllPages();
 
-/// Whether `path` is that of a page.
-bool IsPage(const std::vector<std::string>& path);
+/// The index in `AllPages` of the page at `path`, if there is one.
+std::optional<std::size_t> FindPage(const std::vector<std::string>& path);
 
 /// Whether `path` is that of a search, which looks at many contacts.
 bool IsSearch(const std::vector<std::string>& path);

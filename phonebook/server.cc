@@ -82,6 +82,20 @@ void Log(const Request& request, int status, const std::string& reason) {
                  Readable(reason, 300));
 }
 
+std::vector<std::string> MakerNames() {
+  std::vector<std::string> names;
+  for (const auto& facts : AllMakers()) names.emplace_back(facts.slug);
+  return names;
+}
+
+std::vector<std::string> PageNames() {
+  std::vector<std::string> names;
+  for (const auto& page : AllPages()) {
+    names.push_back(page.path.empty() ? "home" : page.path.substr(0, page.path.find('/')));
+  }
+  return names;
+}
+
 void LogIndexingFailure(const std::string& reason) {
   phonebook::Log(Severity::kError, "changed contacts are not indexed: " + reason);
 }
@@ -99,17 +113,23 @@ std::string Addresses(const std::string& server) {
 Server::Server(const std::string& database, ServerOptions theOptions)
     : options(std::move(theOptions)),
       preview(options.isPreviewOff ? std::map<std::string, Response>() : MakePreview()),
+      metrics(MakerNames(), PageNames()),
       http({[this](Request request, ResponseCallback done) {
               Serve(std::move(request), std::move(done));
             },
             [this](const Request& request, int status, const std::string& cause) {
+              metrics.Count({}, status, {});
               return Refuse(request, status, StatusFactsOf(status).reason, cause);
             }},
            {options.maxConnections}),
       workers(database, options.databaseConnections) {
   http.CallEvery(std::chrono::milliseconds(20), [this] { workers.ExpireOverdue(); });
   http.CallEvery(std::chrono::milliseconds(300), [this] { IndexPending(); });
-  http.CallEvery(std::chrono::seconds(1), LogOmitted);
+  http.CallEvery(std::chrono::seconds(1), [this] {
+    LogOmitted();
+    Probe();
+    served = Metrics::Clock::now().time_since_epoch().count();
+  });
 }
 
 std::string Server::Listen() {
@@ -130,13 +150,19 @@ bool Server::Run() {
   return workers.Stop(kStopTimeout);
 }
 
-void Server::Serve(Request request, ResponseCallback done) {
+void Server::Serve(Request request, ResponseCallback respond) {
+  RequestLabels labels;
   std::variant<Response, Query> result;
+  const auto begin = Metrics::Clock::now();
   try {
-    result = Dispatch(request);
+    result = Dispatch(request, labels);
   } catch (...) {
     result = Fail(request, std::current_exception());
   }
+  ResponseCallback done = [this, labels, begin, respond = std::move(respond)](Response response) {
+    metrics.Count(labels, response.status, Metrics::Clock::now() - begin);
+    respond(std::move(response));
+  };
   if (auto* response = std::get_if<Response>(&result)) {
     done(std::move(*response));
     return;
@@ -153,7 +179,8 @@ void Server::Serve(Request request, ResponseCallback done) {
 }
 
 // Returns the response, or the query that it takes.
-std::variant<Response, Server::Query> Server::Dispatch(const Request& request) const {
+std::variant<Response, Server::Query> Server::Dispatch(const Request& request,
+                                                       RequestLabels& labels) const {
   if (request.method != "GET" && request.method != "HEAD") {
     throw HTTPError(405, StatusFactsOf(405).reason);
   }
@@ -163,8 +190,11 @@ std::variant<Response, Server::Query> Server::Dispatch(const Request& request) c
   const auto asset = preview.find(parsed.target->path);
   if (asset != preview.end()) return asset->second;
   if (request.isCrossSite) throw HTTPError(403, StatusFactsOf(403).reason);
+  const auto found = FindPage(parsed.target->segments);
+  labels.page = found.value_or(labels.page);
+  if (parsed.maker) labels.maker = static_cast<std::size_t>(*parsed.maker);
   if (!parsed.maker) {
-    if (!IsPage(parsed.target->segments)) throw HTTPError(404, kNoPage);
+    if (!found) throw HTTPError(404, kNoPage);
     return MakeResponse(200, kPlainText, Addresses(parsed.base));
   }
   const bool isSearch = IsSearch(parsed.target->segments);
@@ -243,6 +273,55 @@ void Server::IndexPending() {
                     isIndexing = false;
                     if (hasPending.exchange(false)) IndexPending();
                   }});
+}
+
+// Looks whether the database answers, and now and then how many contacts it has.
+void Server::Probe() {
+  constexpr unsigned kCountEvery = 15;  // as counting a million takes a while
+  if (isProbing.exchange(true)) return;
+  const bool isCounting = probes++ % kCountEvery == 0;
+  workers.Submit({[this, isCounting](Store& store) {
+                    std::optional<ContactCounts> counts;
+                    if (isCounting) counts = store.CountContacts();
+                    if (!isCounting) store.FindContact(0);
+                    const std::lock_guard lock(mutex);
+                    state = {"", counts.value_or(state.counts)};
+                    return Response{};
+                  },
+                  [this](const std::exception_ptr& error) {
+                    const std::string reason = FailureReport().NewReason(error);
+                    const std::lock_guard lock(mutex);
+                    state.failure = reason;
+                    return Response{};
+                  },
+                  [this](const Response&) { isProbing = false; }});
+}
+
+bool Server::IsServing() const {
+  constexpr std::chrono::seconds kTimeout(5);
+  const Metrics::Clock::time_point last{Metrics::Clock::duration(served)};
+  return Metrics::Clock::now() - last < kTimeout;
+}
+
+std::string Server::Failure() const {
+  if (!IsServing()) return "the serving thread hangs";
+  const std::lock_guard lock(mutex);
+  return state.failure.empty() ? "" : "the database: " + state.failure;
+}
+
+std::string Server::MetricsText() {
+  std::unique_lock lock(mutex);
+  const DatabaseState found = state;
+  lock.unlock();
+  return metrics.Text(
+      {{"phonebook_connections", "Open connections of clients.",
+        static_cast<double>(http.Connections())},
+       {"phonebook_queued_requests", "Requests that wait for a connection to the database.",
+        static_cast<double>(workers.Queued())},
+       {"phonebook_database_up", "Whether the database answers.", found.failure.empty() ? 1. : 0.},
+       {"phonebook_contacts", "Contacts.", static_cast<double>(found.counts.all)},
+       {"phonebook_contacts_not_indexed", "Contacts that are not indexed yet.",
+        static_cast<double>(found.counts.pending)}});
 }
 
 }  // namespace phonebook

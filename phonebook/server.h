@@ -7,6 +7,7 @@
 #include <exception>
 #include <functional>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <variant>
@@ -14,6 +15,7 @@
 
 #include "phonebook/failure_report.h"
 #include "phonebook/http_server.h"
+#include "phonebook/metrics.h"
 #include "phonebook/pages.h"
 #include "phonebook/url.h"
 #include "phonebook/worker_pool.h"
@@ -48,6 +50,15 @@ class Server {
   /// May be called from any thread.
   void Stop() { http.Stop(); }
 
+  /// Why no pages can be served; empty if they can. May be called from any thread; never waits.
+  std::string Failure() const;
+
+  /// Counters and the state in the text format of Prometheus. May be called from any thread.
+  std::string MetricsText();
+
+  /// Whether the serving thread goes on. May be called from any thread.
+  bool IsServing() const;
+
  private:
   struct Query {
     std::function<Document(Store&)> compose;
@@ -62,18 +73,31 @@ class Server {
     std::optional<RequestTarget> target;  // whose segments are those behind the maker's
   };
 
+  // What the last look at the database found.
+  struct DatabaseState {
+    std::string failure;
+    ContactCounts counts;
+  };
+
   void Serve(Request request, ResponseCallback done);
-  std::variant<Response, Query> Dispatch(const Request& request) const;
+  std::variant<Response, Query> Dispatch(const Request& request, RequestLabels& labels) const;
   Response Fail(const Request& request, const std::exception_ptr& error) const;
   Response Refuse(const Request& request, int status, const std::string& reason,
                   const std::string& cause = "") const;
   ParsedRequest Parse(const Request& request) const;
   bool IsOwnHost(const std::string& host) const;
   void IndexPending();
+  void Probe();
 
   ServerOptions options;
   std::string ownHost;
   const std::map<std::string, Response> preview;  // by path
+  Metrics metrics;
+  mutable std::mutex mutex;  // of the state
+  DatabaseState state;
+  std::atomic<bool> isProbing = false;
+  unsigned probes = 0;
+  std::atomic<Metrics::Clock::rep> served = Metrics::Clock::now().time_since_epoch().count();
   HTTPServer http;
   FailureReport indexing;
   WorkerPool workers;

@@ -160,6 +160,11 @@ void WorkerPool::ExpireOverdue(Clock::time_point now) {
   for (const auto& queued : expired) FailUnserved(queued->task);
 }
 
+std::size_t WorkerPool::Queued() {
+  const std::lock_guard lock(mutex);
+  return shortTasks.queue.Size() + longTasks.queue.Size();
+}
+
 bool WorkerPool::Stop(std::chrono::milliseconds timeout) {
   constexpr std::chrono::milliseconds kInterval(50);
   const auto end = Clock::now() + timeout;

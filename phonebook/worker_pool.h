@@ -63,6 +63,9 @@ class WorkerPool {
   /// waits for the database.
   void ExpireOverdue(Clock::time_point now = Clock::now());
 
+  /// How many tasks wait for a worker. May be called from any thread.
+  std::size_t Queued();
+
   /// Fails all tasks and ends the threads.
   /// @return whether they have ended within `timeout`. If not, the destructor may wait forever.
   bool Stop(std::chrono::milliseconds timeout);

@@ -79,7 +79,8 @@ conclude() {
 # The packages that the phone book needs, and the built programs.
 phonebookPackages=(g++ cmake ninja-build pkg-config libcli11-dev libicu-dev
   nlohmann-json3-dev libsoci-dev libboost-dev libsqlite3-dev libpq-dev libspdlog-dev
-  liburiparser-dev libphonenumber-dev libcsv-dev)
+  liburiparser-dev libphonenumber-dev libcsv-dev
+  prometheus-cpp-dev libsystemd-dev)
 # shellcheck disable=SC2034
 phonebook=$root/build/phonebook/phonebook/phonebook
 # shellcheck disable=SC2034

@@ -287,6 +287,16 @@ std::string Store::FindNotice(const std::string& name) {
       [&](Opened& store) { return store.queries.FindNotice(name).value_or(""); });
 }
 
+ContactCounts Store::CountContacts() {
+  return Run<ContactCounts>([](Opened& store) {
+    ContactCounts counts;
+    store.connection.session << "SELECT count(*) FROM contacts", soci::into(counts.all);
+    store.connection.session << "SELECT count(*) FROM contacts WHERE is_indexed = FALSE",
+        soci::into(counts.pending);
+    return counts;
+  });
+}
+
 bool Store::IndexPending() {
   constexpr std::chrono::seconds kLimit(1);  // however far away the database is
   std::string failure;

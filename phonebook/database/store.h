@@ -45,6 +45,11 @@ struct LetterPage : PageNeighbors {
   std::vector<Letter> letters;
 };
 
+struct ContactCounts {
+  long long all = 0;
+  long long pending = 0;  ///< That are not indexed.
+};
+
 /// Reports progress of an import: how many of `total` steps are done. Returning false stops it.
 using ImportProgress = std::function<bool(std::size_t done, std::size_t total)>;
 
@@ -82,6 +87,9 @@ class Store {
 
   /// The text of the notice `name`, as far as pages show it; empty if there is none.
   std::string FindNotice(const std::string& name);
+
+  /// How many contacts there are. Takes some tenths of a second for a million.
+  ContactCounts CountContacts();
 
   /// Indexes some of the contacts that other programs have written.
   /// @throws DatabaseUnavailable also when the database is read-only for this program; the message

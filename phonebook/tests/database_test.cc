@@ -1,9 +1,11 @@
 // A database that is unavailable, hangs, is lost or can't be used.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <boost/asio.hpp>
+#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <future>
@@ -72,6 +74,53 @@ TEST_P(PhoneBookOnPostgreSQL, TimesOutWhenTheDatabaseHangs) {
     EXPECT_TRUE(isStopped ||
                 Eventually([&] { return server->Get("/snom/directory").status == 200; }));
   }
+}
+
+TEST_P(PhoneBook, TellsMonitorsAndSystemdHowItIs) {
+  boost::asio::io_context context;
+  const fs::path path = directory.path / "notify";
+  boost::asio::local::datagram_protocol::socket systemd(context, path.string());
+  fcntl(systemd.native_handle(), F_SETFD, FD_CLOEXEC);
+  setenv("NOTIFY_SOCKET", path.c_str(), 1);
+  setenv("WATCHDOG_USEC", "300000", 1);
+  const auto server = Serve();
+  unsetenv("NOTIFY_SOCKET");
+  unsetenv("WATCHDOG_USEC");
+  for (const std::string expected : {"READY=1", "WATCHDOG=1", "WATCHDOG=1"}) {
+    std::string told(expected.size(), ' ');
+    systemd.receive(boost::asio::buffer(told));
+    EXPECT_EQ(told, expected);
+  }
+  systemd.close();
+  EXPECT_EQ(server->GetAsMonitor("/health").text, "OK\n");
+  for (const char* page : {"/snom/directory", "/snom/directory?after=x", "/cisco/contact/1"}) {
+    server->Get(page);
+  }
+  EXPECT_EQ(server->Get("/none").status, 404);
+  const auto tells = [&](const std::string& line) {
+    return server->GetAsMonitor("/metrics").text.find("\nphonebook_" + line + "\n") !=
+           std::string::npos;
+  };
+  for (const char* line :
+       {R"(requests_total{maker="snom",page="directory",status="200"} 1)",
+        R"(requests_total{maker="snom",page="directory",status="400"} 1)",
+        R"(requests_total{maker="cisco",page="contact",status="200"} 1)",
+        R"(requests_total{maker="other",page="other",status="404"} 1)", "request_seconds_count 4",
+        R"(request_seconds_bucket{le="+Inf"} 4)", "connections 0", "queued_requests 0"}) {
+    EXPECT_TRUE(tells(line)) << line << server->GetAsMonitor("/metrics").text;
+  }
+  EXPECT_TRUE(Eventually([&] { return tells("contacts 40") && tells("contacts_not_indexed 0"); }));
+  RemoveDatabase();
+  HTTPResponse health;
+  EXPECT_TRUE(Eventually([&] { return (health = server->GetAsMonitor("/health")).status == 503; }));
+  EXPECT_EQ(health.text.rfind("the database: ", 0), 0U) << health.text;
+  EXPECT_TRUE(tells("database_up 0"));
+  RestoreDatabase();
+  EXPECT_TRUE(Eventually([&] { return server->GetAsMonitor("/health").status == 200; }));
+  if (!isPostgreSQL) return;
+  ASSERT_TRUE(cluster().Command("freeze")) << cluster().reason;
+  EXPECT_TRUE(Eventually([&] { return server->GetAsMonitor("/health").status == 503; }));
+  ASSERT_TRUE(cluster().Command("thaw")) << cluster().reason;
 }
 
 TEST(Database, IsInterruptedAtEachStepOfConnecting) {

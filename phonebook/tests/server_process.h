@@ -79,7 +79,8 @@ class ServerProcess : boost::noncopyable {
                 const Texts& options = {}, bool mayAccessAll = true)
       : log(directory / "log") {
     const int out = open(log.c_str(), O_CREAT | O_WRONLY | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
-    Texts words = {PHONEBOOK, "--port", "0", "--database", database};
+    Texts words = {PHONEBOOK,     "--port",     "0",     "--admin-address",
+                   "127.0.0.1:0", "--database", database};
     words.insert(words.end(), options.begin(), options.end());
     std::vector<char*> arguments;
     for (auto& word : words) arguments.push_back(word.data());
@@ -147,6 +148,17 @@ class ServerProcess : boost::noncopyable {
     return ParseResponse(Exchange("GET " + (isWhole ? uri.substr(base.size()) : uri) +
                                   " HTTP/1.0\r\nHost: " + base.substr(7) +
                                   "\r\nUser-Agent: " + userAgent + "\r\n\r\n"));
+  }
+
+  /// What a monitor gets, of its own address.
+  HTTPResponse GetAsMonitor(const std::string& path) {
+    const std::string said = ContentOf(log), address = "for a monitor, http://127.0.0.1:";
+    const std::string own = port;
+    port = said.substr(said.find(address) + address.size());
+    port.resize(port.find('/'));
+    const auto response = ParseResponse(Exchange("GET " + path + " HTTP/1.0\r\n\r\n"));
+    port = own;
+    return response;
   }
 
   std::filesystem::path log;
