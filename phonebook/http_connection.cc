@@ -1,5 +1,6 @@
 #include "phonebook/http_connection.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <iterator>
 #include <utility>
@@ -27,6 +28,19 @@ bool IsHTTP10(const Message& request) {
 
 }  // namespace
 
+// Whoever has an IPv6 address has its network, too.
+Peer::Peer(const asio::ip::address& theIP) : ip(theIP), address(ip.to_string()), client(address) {
+  if (ip.is_v4()) return;
+  const auto own = ip.to_v6();
+  if (own.is_v4_mapped()) {
+    client = asio::ip::make_address_v4(asio::ip::v4_mapped, own).to_string();
+    return;
+  }
+  auto bytes = own.to_bytes();
+  std::fill(bytes.begin() + bytes.size() / 2, bytes.end(), std::uint8_t{0});
+  client = asio::ip::make_address_v6(bytes).to_string() + "/64";
+}
+
 const std::string& ConnectionOwner::Date() {
   const std::time_t now = std::time(nullptr);
   if (now != dateTime) {
@@ -40,7 +54,10 @@ const std::string& ConnectionOwner::Date() {
 }
 
 HTTPConnection::HTTPConnection(ConnectionOwner& theOwner, tcp::socket theSocket, Peer thePeer)
-    : owner(theOwner), socket(std::move(theSocket)), peer(std::move(thePeer)) {
+    : owner(theOwner),
+      socket(std::move(theSocket)),
+      peer(std::move(thePeer)),
+      isProxied(owner.limits.proxies.Contains(peer.ip)) {
   error_code ignored;
   socket.set_option(tcp::no_delay(true), ignored);
 }
@@ -179,12 +196,19 @@ void HTTPConnection::Refuse(int status) {
 Request HTTPConnection::Described() const {
   const auto& request = parser->get();
   const bool hasHost = parser->is_header_done() && CheckHost() == 0;
+  const char* scheme = "http";
+  std::optional<Peer> client;
+  if (isProxied) {
+    client.emplace(owner.limits.proxies.ClientOf(TextOf(request["X-Forwarded-For"]), peer.ip));
+    if (beast::iequals(request["X-Forwarded-Proto"], "https")) scheme = "https";
+  }
   return {TextOf(request.method_string()),
           TextOf(request.target()),
           hasHost ? TextOf(request[http::field::host]) : "",
           TextOf(request[http::field::user_agent]),
-          peer.address,
-          peer.client,
+          client ? client->address : peer.address,
+          client ? client->client : peer.client,
+          scheme,
           beast::iequals(request["Sec-Fetch-Site"], "cross-site")};
 }
 

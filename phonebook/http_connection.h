@@ -48,8 +48,10 @@ class ConnectionOwner {
   std::time_t dateTime = -1;
 };
 
-/// The client of a connection.
+/// The client of a connection or, behind a proxy, of a request.
 struct Peer {
+  explicit Peer(const boost::asio::ip::address& address);
+  boost::asio::ip::address ip;
   std::string address;
   std::string client;  ///< The address, or the network (/64) of an IPv6 address.
 };
@@ -96,7 +98,8 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
 
   ConnectionOwner& owner;
   boost::asio::ip::tcp::socket socket;
-  Peer peer;
+  const Peer peer;
+  const bool isProxied;
   Clock::time_point deadline;
   boost::beast::flat_buffer buffer;
   std::optional<boost::beast::http::request_parser<boost::beast::http::string_body>> parser;

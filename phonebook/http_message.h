@@ -15,9 +15,10 @@ struct Request {
   std::string target;  ///< As it came.
   std::string host;    ///< The Host field if it is well-formed.
   std::string userAgent;
-  std::string address;       ///< The client's.
-  std::string client;        ///< The address, or the network (/64) of an IPv6 address.
-  bool isCrossSite = false;  ///< Whether a page of another site made a browser send it.
+  std::string address;          ///< The client's.
+  std::string client;           ///< The address, or the network (/64) of an IPv6 address.
+  const char* scheme = "http";  ///< Of the client's URL.
+  bool isCrossSite = false;     ///< Whether a page of another site made a browser send it.
 };
 
 struct Response {

@@ -24,18 +24,6 @@ namespace asio = boost::asio;
 using asio::ip::tcp;
 using boost::beast::error_code;
 
-// Whoever has an IPv6 address has its network, too.
-Peer MakePeer(const asio::ip::address& address) {
-  const std::string text = address.to_string();
-  if (address.is_v4()) return {text, text};
-  const auto ip = address.to_v6();
-  if (ip.is_v4_mapped())
-    return {text, asio::ip::make_address_v4(asio::ip::v4_mapped, ip).to_string()};
-  auto bytes = ip.to_bytes();
-  std::fill(bytes.begin() + bytes.size() / 2, bytes.end(), std::uint8_t{0});
-  return {text, asio::ip::make_address_v6(bytes).to_string() + "/64"};
-}
-
 }  // namespace
 
 class HTTPServer::Implementation : public ConnectionOwner {
@@ -115,7 +103,7 @@ void HTTPServer::Implementation::Accept() {
 
 void HTTPServer::Implementation::OnAccept(tcp::socket socket) {
   const auto connection =
-      std::make_shared<HTTPConnection>(*this, std::move(socket), MakePeer(peer.address()));
+      std::make_shared<HTTPConnection>(*this, std::move(socket), Peer(peer.address()));
   connections.insert(connection);
   count = connections.size();
   connection->ReadRequest();

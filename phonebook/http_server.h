@@ -9,6 +9,7 @@
 #include <string>
 
 #include "phonebook/http_message.h"
+#include "phonebook/trusted_proxies.h"
 
 namespace phonebook {
 
@@ -25,6 +26,7 @@ struct HTTPLimits {
   std::chrono::seconds responseTimeout{5};      ///< For the client to take a response.
   std::chrono::seconds idleTimeout{60};         ///< Between requests.
   std::chrono::seconds idleTimeoutWhenFull{5};  ///< While there are `maxConnections`.
+  TrustedProxies proxies{};  ///< Whose X-Forwarded-For and X-Forwarded-Proto count.
 };
 
 /// What a server does with requests. Neither function may block.

@@ -2,8 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <exception>
 
 #include "phonebook/numbers.h"
+#include "phonebook/trusted_proxies.h"
 #include "phonebook/url.h"
 
 namespace phonebook {
@@ -27,6 +29,15 @@ std::string CheckedAdmin(const std::string& address) {
   const bool isAddress = address.empty() || (HostNameOf(address) && address.back() != ']' &&
                                              address.find(':') != address.npos);
   return isAddress ? "" : "it must be like 127.0.0.1:9480";
+}
+
+std::string CheckedProxy(const std::string& network) {
+  try {
+    TrustedProxies({network});
+    return "";
+  } catch (const std::exception&) {
+    return "it must be like 192.0.2.1 or 192.0.2.0/24";
+  }
 }
 
 std::string CheckedRegion(std::string& region) {
@@ -59,6 +70,9 @@ void AddOptions(CLI::App& app, Options& options) {
   app.add_option("--host", server.hosts,
                  "host name or IP address that requests may name, repeatable; any if none")
       ->transform(CLI::Validator(CheckedHost, ""));
+  app.add_option("--trusted-proxy", server.proxies,
+                 "IP address or network of a proxy that tells its clients, repeatable")
+      ->check(CheckedProxy);
   app.add_option("--region", server.pages.region,
                  "country of numbers without one, such as DE; none if empty")
       ->transform(CLI::Validator(CheckedRegion, ""));

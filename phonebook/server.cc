@@ -82,6 +82,12 @@ void Log(const Request& request, int status, const std::string& reason) {
                  Readable(reason, 300));
 }
 
+HTTPLimits LimitsOf(const ServerOptions& options) {
+  HTTPLimits limits{options.maxConnections};
+  limits.proxies = TrustedProxies(options.proxies);
+  return limits;
+}
+
 std::vector<std::string> MakerNames() {
   std::vector<std::string> names;
   for (const auto& facts : AllMakers()) names.emplace_back(facts.slug);
@@ -121,7 +127,7 @@ Server::Server(const std::string& database, ServerOptions theOptions)
               metrics.Count({}, status, {});
               return Refuse(request, status, StatusFactsOf(status).reason, cause);
             }},
-           {options.maxConnections}),
+           LimitsOf(options)),
       workers(database, options.databaseConnections) {
   http.CallEvery(std::chrono::milliseconds(20), [this] { workers.ExpireOverdue(); });
   http.CallEvery(std::chrono::milliseconds(300), [this] { IndexPending(); });
@@ -238,7 +244,8 @@ Server::ParsedRequest Server::Parse(const Request& request) const {
   const std::string& host = isAbsolute ? parsed.target->host : request.host;
   parsed.isOwnHost = IsOwnHost(host);
   if (parsed.base.empty()) {
-    parsed.base = "http://" + (parsed.isOwnHost && !host.empty() ? host : ownHost);
+    parsed.base =
+        std::string(request.scheme) + "://" + (parsed.isOwnHost && !host.empty() ? host : ownHost);
   }
   if (parsed.target && !parsed.target->segments.empty()) {
     auto& segments = parsed.target->segments;

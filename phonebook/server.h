@@ -30,6 +30,7 @@ struct ServerOptions {
   PageOptions pages;
   bool isPreviewOff = false;
   std::string baseURL;  ///< What links begin with; by default the Host field of the request.
+  std::vector<std::string> proxies;  ///< As `TrustedProxies` takes them.
   std::vector<std::string> hosts;  ///< As `HostNameOf` returns them; if any, no others are served.
 };
 

@@ -21,6 +21,29 @@ namespace {
 
 using boost::asio::ip::tcp;
 
+TEST_P(PhoneBookOnSQLite, BelievesTrustedProxiesAlone) {
+  const std::vector<std::pair<std::string, std::string>> clients = {
+      {"192.0.2.7", "192.0.2.7"},
+      {"198.51.100.1, 192.0.2.8,10.1.2.3 ", "192.0.2.8"},
+      {"192.0.2.9, 2001:db8::1", "2001:db8::1"},
+      {"192.0.2.9, unknown, 10.0.0.1", "127.0.0.1"},
+      {"10.0.0.1", "127.0.0.1"}};
+  for (const bool isTrusted : {true, false}) {
+    const auto server = Serve(
+        {"--trusted-proxy", isTrusted ? "127.0.0.1" : "::1", "--trusted-proxy", "10.0.0.0/8"});
+    for (const auto& [forwarded, client] : clients) {
+      const std::string target = "/none" + client;
+      const std::string text = server->Exchange(
+          "GET " + target +
+          " HTTP/1.0\r\nHost: a\r\nX-Forwarded-Proto: https\r\nX-Forwarded-For: " + forwarded +
+          "\r\n\r\n");
+      EXPECT_NE(text.find(isTrusted ? "\nhttps://a/snom/" : "\nhttp://a/snom/"), text.npos) << text;
+      const std::string logged = " from " + (isTrusted ? client : "127.0.0.1") + ": ";
+      EXPECT_TRUE(Eventually([&] { return server->IsLogged(target + logged); })) << forwarded;
+    }
+  }
+}
+
 TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
   const auto server = Serve();
   const std::string host = "Host: a\r\n";
