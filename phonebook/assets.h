@@ -2,6 +2,7 @@
 /// Files that are compiled into the program.
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 namespace phonebook {
@@ -12,6 +13,15 @@ struct Asset {
   const char* type;  ///< The Content-Type.
   const char* content;
 };
+
+/// A catalogue of gettext in its binary format.
+struct CatalogueAsset {
+  std::string_view language;  ///< Such as "de".
+  std::string_view content;
+};
+
+/// The catalogues of all languages but English, as CMakeLists.txt lists them.
+const std::vector<CatalogueAsset>& CatalogueAssets();
 
 /// The files of the preview, as CMakeLists.txt lists them.
 const std::vector<Asset>& PreviewAssets();

@@ -73,6 +73,8 @@ void AddOptions(CLI::App& app, Options& options) {
   app.add_option("--trusted-proxy", server.proxies,
                  "IP address or network of a proxy that tells its clients, repeatable")
       ->check(CheckedProxy);
+  app.add_option("--language", options.language, "language of the pages")
+      ->check(CLI::IsMember(Languages()));
   app.add_option("--region", server.pages.region,
                  "country of numbers without one, such as DE; none if empty")
       ->transform(CLI::Validator(CheckedRegion, ""));
@@ -107,6 +109,7 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
   AddCommands(app, options);
   try {
     app.parse(argc, argv);
+    options.server.pages.catalogue = Catalogue(options.language);
     return std::nullopt;
   } catch (const CLI::ParseError& error) {
     return app.exit(error);

@@ -16,9 +16,10 @@ struct Options {
   ServerOptions server;
   std::string database = "phonebook.db";
   std::string admin = "127.0.0.1:9480";  ///< Address and port; empty for none.
-  std::string contacts;                  ///< For a new database; empty for the samples.
-  std::string file;                      ///< To import, or of the backup.
-  bool isForced = false;                 ///< Whether an import may remove most contacts.
+  std::string language = "en";
+  std::string contacts;   ///< For a new database; empty for the samples.
+  std::string file;       ///< To import, or of the backup.
+  bool isForced = false;  ///< Whether an import may remove most contacts.
 };
 
 /// Parses the command line, and the configuration file for what it doesn't tell.

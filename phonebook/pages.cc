@@ -8,6 +8,7 @@
 #include <optional>
 #include <sstream>
 #include <system_error>
+#include <type_traits>
 #include <utility>
 
 #include "phonebook/collation.h"
@@ -30,7 +31,7 @@ using teleform::screens::Text;
 
 constexpr std::size_t kMaxSearchCharacters = 64;
 constexpr std::size_t kMaxNoticeLines = 100;  // each is an entry on phones of Cisco and Yealink
-constexpr const char* kEmptyTitle = "Nobody is in the phone book";
+constexpr const char* kEmptyTitle = Marked("Nobody is in the phone book");
 
 std::string PageURI(const PageRequest& request, const std::string& page) {
   return HomeURI(request.base, request.maker) + page;
@@ -40,8 +41,16 @@ std::string PageURI(const PageRequest& request, const std::string& page, long lo
   return PageURI(request, page + "/" + std::to_string(id));
 }
 
+const char* Translated(const PageRequest& request, const char* text) {
+  return request.options->catalogue.Translate(text);
+}
+
 SoftKey HomeKey(const PageRequest& request) {
-  return {SoftKeyRole::kHome, HomeURI(request.base, request.maker)};
+  return {SoftKeyRole::kHome, HomeURI(request.base, request.maker), Translated(request, "Home")};
+}
+
+SoftKey SelectKey(const PageRequest& request) {
+  return {SoftKeyRole::kSelect, "", Translated(request, "Select")};
 }
 
 std::string ParamOf(const PageRequest& request, const std::string& name) {
@@ -88,15 +97,15 @@ Cursor CursorOf(const PageRequest& request) {
   const auto param = PageParamOf(request);
   if (!param) return {};
   const auto cursor = ParsePosition(*param);
-  if (!cursor) throw HTTPError(400, "A page begins after or before a contact.");
+  if (!cursor) throw HTTPError(400, Marked("A page begins after or before a contact."));
   return *cursor;
 }
 
 // Links a page of a list to those before and after it; `uri` leads to the first page. The positions
 // of the first and the last entry are empty if there are none.
 template <typename Screen>
-void LinkPages(Screen& screen, const std::string& uri, std::string first, std::string last,
-               const PageNeighbors& neighbors) {
+void LinkPages(Screen& screen, const PageRequest& request, const std::string& uri,
+               std::string first, std::string last, const PageNeighbors& neighbors) {
   if (neighbors.end) {
     const std::string end = PositionOf(*neighbors.end);
     if (neighbors.isForward || first.empty()) last = end;
@@ -105,12 +114,20 @@ void LinkPages(Screen& screen, const std::string& uri, std::string first, std::s
   const std::string prefix = uri + (uri.find('?') == uri.npos ? "?" : "&");
   if (neighbors.hasPrevious) screen.previous = prefix + "before=" + PercentEncode(first);
   if (neighbors.hasNext) screen.next = prefix + "after=" + PercentEncode(last);
+  // Where the links are keys with texts, these are in the language.
+  const bool isMenu = std::is_same_v<Screen, Menu>;
+  if (request.maker != Maker::kPolycom && (request.maker != Maker::kAastra || !isMenu)) return;
+  const auto add = [&](SoftKeyRole role, std::string& link, const char* label) {
+    if (!link.empty()) screen.keys.push_back({role, std::exchange(link, ""), label});
+  };
+  add(SoftKeyRole::kPrevious, screen.previous, Translated(request, "Previous"));
+  add(SoftKeyRole::kNext, screen.next, Translated(request, "Next"));
 }
 
 // The first page may be empty, the others not.
 void ExpectContent(const PageRequest& request, bool hasContent) {
   if (!hasContent && PageParamOf(request)) {
-    throw HTTPError(404, "There is no page beyond the last one.");
+    throw HTTPError(404, Marked("There is no page beyond the last one."));
   }
 }
 
@@ -120,31 +137,32 @@ void FrameContacts(Screen& screen, const PageRequest& request, const ContactPage
                    const std::string& uri) {
   ExpectContent(request, !page.contacts.empty() || page.end);
   if (page.contacts.empty()) {
-    if (page.end) LinkPages(screen, uri, "", "", page);
+    if (page.end) LinkPages(screen, request, uri, "", "", page);
     return;
   }
   const auto& first = page.contacts.front();
-  if (page.hasPrevious) screen.title += ", from " + first.name;
-  LinkPages(screen, uri, PositionOf(first), PositionOf(page.contacts.back()), page);
+  if (page.hasPrevious) screen.title += Translated(request, ", from ") + first.name;
+  LinkPages(screen, request, uri, PositionOf(first), PositionOf(page.contacts.back()), page);
 }
 
 PageResult Home(const PageRequest& request) {
-  return ComposeMenu(request.maker, {"Phone book",
-                                     {{"Directory", PageURI(request, "directory")},
-                                      {"Search", PageURI(request, "search")},
-                                      {"Message of the day", PageURI(request, "message")},
-                                      {"Alert", PageURI(request, "status")}},
-                                     {{SoftKeyRole::kSelect}, {SoftKeyRole::kExit}}});
+  return ComposeMenu(request.maker,
+                     {Translated(request, "Phone book"),
+                      {{Translated(request, "Directory"), PageURI(request, "directory")},
+                       {Translated(request, "Search"), PageURI(request, "search")},
+                       {Translated(request, "Message of the day"), PageURI(request, "message")},
+                       {Translated(request, "Alert"), PageURI(request, "status")}},
+                      {SelectKey(request), {SoftKeyRole::kExit, "", Translated(request, "Exit")}}});
 }
 
 PageResult Directory(const PageRequest& request) {
   return [request, cursor = CursorOf(request)](Store& store) {
     ContactPage page = store.ListContacts({}, cursor, PageSizeOf(request));
-    List list{page.contacts.empty() ? kEmptyTitle : "Directory",
+    List list{Translated(request, page.contacts.empty() ? kEmptyTitle : Marked("Directory")),
               {},
               {HomeKey(request),
-               {SoftKeyRole::kDial},
-               {SoftKeyRole::kSearch, PageURI(request, "search")}}};
+               {SoftKeyRole::kDial, "", Translated(request, "Dial")},
+               {SoftKeyRole::kSearch, PageURI(request, "search"), Translated(request, "Search")}}};
     FrameContacts(list, request, page, PageURI(request, "directory"));
     list.people.reserve(page.contacts.size());
     for (auto& contact : page.contacts) {
@@ -162,17 +180,18 @@ PageResult Contacts(const PageRequest& request, const std::string& title, const 
                     const Selection& selection) {
   return [request, title, uri, selection, cursor = CursorOf(request)](Store& store) {
     ContactPage page = store.ListContacts(selection, cursor, PageSizeOf(request));
-    Menu menu{title, {}, {HomeKey(request), {SoftKeyRole::kSelect}}};
+    Menu menu{title, {}, {HomeKey(request), SelectKey(request)}};
     FrameContacts(menu, request, page, uri);
     menu.items.reserve(page.contacts.size());
     for (auto& contact : page.contacts) {
       menu.items.push_back({std::move(contact.name), PageURI(request, "contact", contact.id)});
     }
     if (page.end) {
-      menu.items.push_back(
-          {"There may be more. Add a letter to the search?", PageURI(request, "search")});
+      menu.items.push_back({Translated(request, "There may be more. Add a letter to the search?"),
+                            PageURI(request, "search")});
     } else if (menu.items.empty()) {
-      menu.items.push_back({"Nobody found. Search again?", PageURI(request, "search")});
+      menu.items.push_back(
+          {Translated(request, "Nobody found. Search again?"), PageURI(request, "search")});
     }
     return ComposeMenu(request.maker, menu);
   };
@@ -192,16 +211,19 @@ PageResult Letters(const PageRequest& request) {
     const auto& letters = page.letters;
     const bool hasContent = !letters.empty() || page.end;
     ExpectContent(request, hasContent);
-    Menu menu{hasContent ? "Search" : kEmptyTitle, {}, {HomeKey(request), {SoftKeyRole::kSelect}}};
+    Menu menu{Translated(request, hasContent ? Marked("Search") : kEmptyTitle),
+              {},
+              {HomeKey(request), SelectKey(request)}};
     for (const auto& letter : letters) {
       menu.items.push_back({letter.label, uri + "?letter=" + PercentEncode(letter.label)});
     }
     if (hasContent) {
-      LinkPages(menu, uri, letters.empty() ? "" : letters.front().label,
+      LinkPages(menu, request, uri, letters.empty() ? "" : letters.front().label,
                 letters.empty() ? "" : letters.back().label, page);
     }
     if (page.end) {
-      menu.items.push_back({"More letters", page.isForward ? menu.next : menu.previous});
+      menu.items.push_back(
+          {Translated(request, "More letters"), page.isForward ? menu.next : menu.previous});
     }
     return ComposeMenu(request.maker, menu);
   };
@@ -209,12 +231,13 @@ PageResult Letters(const PageRequest& request) {
 
 PageResult SearchForm(const PageRequest& request) {
   auto form =
-      ComposeForm(request.maker, {"Search",
-                                  "The beginnings of some words are enough.",
-                                  "Name or department:",
-                                  PageURI(request, "search"),
-                                  "name",
-                                  {{SoftKeyRole::kSubmit, "", "Search"}, HomeKey(request)}});
+      ComposeForm(request.maker,
+                  {Translated(request, "Search"),
+                   Translated(request, "The beginnings of some words are enough."),
+                   Translated(request, "Name or department:"),
+                   PageURI(request, "search"),
+                   "name",
+                   {{SoftKeyRole::kSubmit, "", Translated(request, "Search")}, HomeKey(request)}});
   return form != nullptr ? PageResult(std::move(form)) : Letters(request);
 }
 
@@ -223,30 +246,31 @@ PageResult Search(const PageRequest& request) {
   const std::string letter = ParamOf(request, "letter");
   const std::string uri = PageURI(request, "search");
   if (!IsPlainText(name) || !IsPlainText(letter)) {
-    throw HTTPError(400, "The search is no text in UTF-8.");
+    throw HTTPError(400, Marked("The search is no text in UTF-8."));
   }
   if (CountCharacters(name) > kMaxSearchCharacters ||
       CountCharacters(letter) > kMaxSearchCharacters) {
-    throw HTTPError(400, "A search has 64 characters at most.");
+    throw HTTPError(400, Marked("A search has 64 characters at most."));
   }
   if (!letter.empty()) {
-    return Contacts(request, "Search: " + letter, uri + "?letter=" + PercentEncode(letter),
-                    {PrefixKey(letter), {}});
+    return Contacts(request, Translated(request, "Search") + (": " + letter),
+                    uri + "?letter=" + PercentEncode(letter), {PrefixKey(letter), {}});
   }
   if (name.empty()) return SearchForm(request);
   const auto words = TypedWordKeys(name);
   if (words.size() > Selection::kMaxWords) {
-    throw HTTPError(400, "A search has six words at most.");
+    throw HTTPError(400, Marked("A search has six words at most."));
   }
   Selection selection{"", {words.begin(), words.end()}};
   if (words.empty()) selection.prefix = EndOfPrefix("");  // punctuation alone matches nobody
-  return Contacts(request, "Search: " + name, uri + "?name=" + PercentEncode(name), selection);
+  return Contacts(request, Translated(request, "Search") + (": " + name),
+                  uri + "?name=" + PercentEncode(name), selection);
 }
 
 // A page of the contact whose id is the last segment of the path.
 PageResult ContactPageOf(const PageRequest& request,
                          Document (*compose)(const PageRequest&, long long id, const Contact&)) {
-  constexpr const char* kNotFound = "This contact is not in the phone book.";
+  constexpr const char* kNotFound = Marked("This contact is not in the phone book.");
   const auto id = request.path.size() == 2 ? ParseId(request.path[1]) : std::nullopt;
   if (!id) throw HTTPError(404, kNotFound);
   return [request, id = *id, compose](Store& store) {
@@ -260,9 +284,11 @@ Document ComposeCard(const PageRequest& request, long long id, const Contact& co
   return ComposeText(
       request.maker,
       {contact.name,
-       {contact.telephone, contact.department.empty() ? "No department" : contact.department},
+       {contact.telephone,
+        contact.department.empty() ? Translated(request, "No department") : contact.department},
        DialString(contact.telephone, request.options->region),
-       {{SoftKeyRole::kDial, PageURI(request, "dial", id)}, HomeKey(request)}});
+       {{SoftKeyRole::kDial, PageURI(request, "dial", id), Translated(request, "Dial")},
+        HomeKey(request)}});
 }
 
 Document ComposeDial(const PageRequest& request, long long /*id*/, const Contact& contact) {
@@ -285,16 +311,19 @@ std::vector<std::string> LinesOf(const std::string& text) {
   return lines;
 }
 
-Text NoticeText(const PageRequest& request, const std::string& title,
-                std::vector<std::string> lines) {
-  if (lines.empty()) lines.emplace_back("Nothing today.");
-  return {title, std::move(lines), HomeURI(request.base, request.maker), {HomeKey(request)}};
+Text NoticeText(const PageRequest& request, const char* title, std::vector<std::string> lines) {
+  if (lines.empty()) lines.emplace_back(Translated(request, "Nothing today."));
+  return {Translated(request, title),
+          std::move(lines),
+          HomeURI(request.base, request.maker),
+          {HomeKey(request)}};
 }
 
 PageResult Message(const PageRequest& request) {
   return [request](Store& store) {
     auto lines = LinesOf(store.FindNotice("message"));
-    return ComposeText(request.maker, NoticeText(request, "Message of the day", std::move(lines)));
+    return ComposeText(request.maker,
+                       NoticeText(request, Marked("Message of the day"), std::move(lines)));
   };
 }
 
@@ -302,8 +331,8 @@ PageResult Alert(const PageRequest& request) {
   return [request](Store& store) {
     auto lines = LinesOf(store.FindNotice("alert"));
     const bool isUrgent = !lines.empty();
-    return ComposeAlert(request.maker,
-                        {NoticeText(request, "Alert", std::move(lines)), isUrgent, "phonebook"});
+    return ComposeAlert(request.maker, {NoticeText(request, Marked("Alert"), std::move(lines)),
+                                        isUrgent, "phonebook"});
   };
 }
 
@@ -353,10 +382,12 @@ PageResult Route(const PageRequest& request) {
   return kPages[*page].make(request);
 }
 
-Document ComposeErrorPage(Maker maker, const std::string& base, const std::string& title,
+Document ComposeErrorPage(const PageRequest& request, const char* title,
                           const std::string& reason) {
-  const std::string home = HomeURI(base, maker);
-  return ComposeText(maker, {title, {reason}, home, {{SoftKeyRole::kHome, home}}});
+  return ComposeText(request.maker, {Translated(request, title),
+                                     {Translated(request, reason.c_str())},
+                                     HomeURI(request.base, request.maker),
+                                     {HomeKey(request)}});
 }
 
 }  // namespace phonebook

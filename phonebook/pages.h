@@ -12,6 +12,7 @@
 #include <variant>
 #include <vector>
 
+#include "phonebook/catalogue.h"
 #include "phonebook/database/store.h"
 
 namespace phonebook {
@@ -19,7 +20,7 @@ namespace phonebook {
 using teleform::screens::Document;
 using teleform::screens::Maker;
 
-constexpr const char* kNoPage = "The phone book has no such page.";
+constexpr const char* kNoPage = Marked("The phone book has no such page.");
 
 /// A request that is answered by an error page.
 class HTTPError : public std::runtime_error {
@@ -32,6 +33,7 @@ class HTTPError : public std::runtime_error {
 /// What all pages have in common.
 struct PageOptions {
   std::string region;  ///< The country of numbers without one, such as "DE"; empty for none.
+  Catalogue catalogue{};
 };
 
 /// A request for a page.
@@ -66,8 +68,7 @@ using PageResult = std::variant<Document, std::function<Document(Store&)>>;
 /// @throws HTTPError when there is no such page or a parameter is malformed.
 PageResult Route(const PageRequest& request);
 
-/// The page that takes the place of another one.
-Document ComposeErrorPage(Maker maker, const std::string& base, const std::string& title,
-                          const std::string& reason);
+/// The page that takes the place of another one. Its texts are English, and are translated.
+Document ComposeErrorPage(const PageRequest& request, const char* title, const std::string& reason);
 
 }  // namespace phonebook

@@ -18,7 +18,7 @@ using teleform::screens::AllMakers;
 using teleform::screens::PercentEncode;
 
 constexpr const char* kPlainText = "text/plain; charset=utf-8";
-constexpr const char* kUnavailable = "The phone book can't be read now.";
+constexpr const char* kUnavailable = Marked("The phone book can't be read now.");
 
 // The title and the default reason of an error page.
 struct StatusFacts {
@@ -27,18 +27,18 @@ struct StatusFacts {
   const char* reason;
 };
 constexpr StatusFacts kStatuses[] = {
-    {400, "Not understood", "The request was not understood."},
-    {403, "Not allowed", "Other sites can't read the phone book."},
-    {404, "Not found", kNoPage},
-    {405, "Not allowed", "The phone book is only read."},
-    {408, "Too slow", "The request took too long to arrive."},
-    {413, "Too large", "The request is too large."},
-    {414, "Too long", "The address is too long."},
-    {421, "Not found", "The phone book has another address."},
-    {431, "Too large", "The request's header is too large."},
-    {500, "Error", "The phone book made a mistake."},
-    {501, "Not understood", "The coding of the request is unknown."},
-    {503, "Please try again", kUnavailable},
+    {400, Marked("Not understood"), Marked("The request was not understood.")},
+    {403, Marked("Not allowed"), Marked("Other sites can't read the phone book.")},
+    {404, Marked("Not found"), kNoPage},
+    {405, Marked("Not allowed"), Marked("The phone book is only read.")},
+    {408, Marked("Too slow"), Marked("The request took too long to arrive.")},
+    {413, Marked("Too large"), Marked("The request is too large.")},
+    {414, Marked("Too long"), Marked("The address is too long.")},
+    {421, Marked("Not found"), Marked("The phone book has another address.")},
+    {431, Marked("Too large"), Marked("The request's header is too large.")},
+    {500, Marked("Error"), Marked("The phone book made a mistake.")},
+    {501, Marked("Not understood"), Marked("The coding of the request is unknown.")},
+    {503, Marked("Please try again"), kUnavailable},
 };
 
 const StatusFacts& StatusFactsOf(int status) {
@@ -230,8 +230,9 @@ Response Server::Refuse(const Request& request, int status, const std::string& r
   Log(request, status, cause.empty() ? reason : cause);
   const ParsedRequest parsed = Parse(request);
   Response response =
-      parsed.maker ? MakeResponse(status, *ComposeErrorPage(*parsed.maker, parsed.base,
-                                                            StatusFactsOf(status).title, reason))
+      parsed.maker ? MakeResponse(status, *ComposeErrorPage(
+                                              {*parsed.maker, parsed.base, {}, {}, &options.pages},
+                                              StatusFactsOf(status).title, reason))
                    : MakeResponse(status, kPlainText, reason + "\n" + Addresses(parsed.base));
   if (status == 405) response.fields.emplace_back("Allow", "GET, HEAD");
   if (status == 503) response.fields.emplace_back("Retry-After", "5");

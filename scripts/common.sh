@@ -80,7 +80,7 @@ conclude() {
 phonebookPackages=(g++ cmake ninja-build pkg-config libcli11-dev libicu-dev
   nlohmann-json3-dev libsoci-dev libboost-dev libsqlite3-dev libpq-dev libspdlog-dev
   liburiparser-dev libphonenumber-dev libcsv-dev
-  prometheus-cpp-dev libsystemd-dev)
+  prometheus-cpp-dev libsystemd-dev libboost-locale-dev gettext)
 # shellcheck disable=SC2034
 phonebook=$root/build/phonebook/phonebook/phonebook
 # shellcheck disable=SC2034

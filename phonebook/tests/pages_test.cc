@@ -158,6 +158,34 @@ TEST_P(PhoneBookOnSQLite, ServesValidHTML) {
   }
 }
 
+TEST_P(PhoneBookOnSQLite, SpeaksItsLanguageAlone) {
+  const auto server = Serve({"--language", "de"});
+  Texts paths = kPages;
+  for (const char* path : {"search?name=s", "search?name=nobody", "contact/0", "none"}) {
+    paths.emplace_back(path);
+  }
+  std::set<std::string> found;
+  for (const auto& maker : kMakers) {
+    for (const auto& path : paths) {
+      const ParsedPage page(server->Get("/" + maker.path + "/" + path).text);
+      for (const auto& text : page.Find("//text() | //@value")) {
+        const auto begin = text.find_first_not_of('\n');
+        if (begin != text.npos) found.insert(text.substr(begin, text.find('\n', begin) - begin));
+      }
+    }
+  }
+  for (const char* english : {"Phone book", "Directory", "Search", "Search: s", "Alert", "Select",
+                              "Exit", "Home", "Dial", "Previous", "Next", "Not found", "Submit"}) {
+    EXPECT_EQ(found.count(english), 0U) << english;
+  }
+  for (const char* german :
+       {"Telefonbuch", "Verzeichnis", "Suche: s", "Warnung", "Auswählen", "Beenden", "Start",
+        "Wählen", "Weiter", "Niemand gefunden. Neu suchen?",
+        "Name oder Abteilung:", "Nicht gefunden", "Dieser Kontakt steht nicht im Telefonbuch."}) {
+    EXPECT_EQ(found.count(german), 1U) << german;
+  }
+}
+
 TEST_P(PhoneBook, PagesThroughContactsThatChangeMeanwhile) {
   const auto server = Serve();
   const auto session = Connect();
