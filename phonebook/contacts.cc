@@ -44,13 +44,6 @@ std::string Contact::*FieldNamed(std::string name) {
   return nullptr;
 }
 
-Fields FieldsOf(const std::string& line) {
-  Fields fields;
-  std::istringstream stream(line.substr(0, line.find('\r')) + "\t");
-  for (std::string field; std::getline(stream, field, '\t');) fields.push_back(std::move(field));
-  return fields;
-}
-
 // Collects contacts, and the faults of all lines.
 class Collector {
  public:
@@ -91,58 +84,58 @@ class Collector {
   std::unordered_map<std::string, int> lines;  // by key
 };
 
-void AddLine(Collector& collector, int number, const std::string& line) {
-  Fields fields = FieldsOf(line);
-  if (fields.size() < 3 || fields.size() > std::size(kFields)) {
-    collector.AddFault(number, "expected a name, a telephone and a department with tabs between");
-    return;
-  }
-  Contact contact;
-  for (std::size_t i = 0; i < fields.size(); ++i) contact.*kFields[i].field = std::move(fields[i]);
-  collector.Add(number, std::move(contact));
-}
-
-// Parses CSV line by line, by libcsv, which knows no line numbers.
-class CSVReader {
+// Parses either format line by line, by libcsv, which knows no line numbers.
+class Parser {
  public:
-  CSVReader(Collector& theCollector, char separator) : collector(theCollector) {
-    if (csv_init(&parser, CSV_STRICT | CSV_STRICT_FINI) != 0) throw std::bad_alloc();
-    csv_set_delim(&parser, static_cast<unsigned char>(separator));
+  // @param separator none for lines with tabs, without a header and quotes.
+  Parser(Collector& theCollector, std::optional<char> separator)
+      : collector(theCollector), isCSV(separator) {
+    constexpr unsigned char kNoQuote = '\x01';
+    if (csv_init(&parser, isCSV ? CSV_STRICT | CSV_STRICT_FINI : 0) != 0) throw std::bad_alloc();
+    csv_set_delim(&parser, static_cast<unsigned char>(separator.value_or('\t')));
+    if (isCSV) return;
+    csv_set_quote(&parser, kNoQuote);
+    for (const auto& facts : kFields) columns.push_back(facts.field);
   }
-  ~CSVReader() { csv_free(&parser); }
-  CSVReader(const CSVReader&) = delete;
-  CSVReader& operator=(const CSVReader&) = delete;
+  ~Parser() { csv_free(&parser); }
+  Parser(const Parser&) = delete;
+  Parser& operator=(const Parser&) = delete;
 
   // @return false when nothing that follows can be parsed.
   bool ParseLine(const std::string& line) {
+    constexpr int kNoRow = 0;
     ++number;
+    if (parser.pstate == kNoRow) first = number;
+    if (!isCSV && line.front() == '#') return true;
     const bool isParsed =
         csv_parse(&parser, line.data(), line.size(), &AddField, &AddRow, this) == line.size();
     if (!isParsed) collector.AddFault(number, "a quote is neither doubled nor around a field");
-    return isParsed && hasHeader == !columns.empty();
+    return isParsed && !isHeaderFaulty;
   }
 
   void End() {
-    const int line = first;
     if (csv_fini(&parser, &AddField, &AddRow, this) != 0) {
-      collector.AddFault(line, "a quote is never closed");
+      collector.AddFault(first, "a quote is never closed");
     }
   }
 
  private:
   static void AddField(void* text, std::size_t size, void* self) {
-    static_cast<CSVReader*>(self)->row.emplace_back(static_cast<const char*>(text), size);
+    static_cast<Parser*>(self)->row.emplace_back(static_cast<const char*>(text), size);
   }
-  static void AddRow(int /*end*/, void* self) { static_cast<CSVReader*>(self)->AddRow(); }
+  static void AddRow(int /*end*/, void* self) { static_cast<Parser*>(self)->AddRow(); }
 
   void AddRow() {
-    const int line = std::exchange(first, number + 1);
     Fields fields = std::exchange(row, {});
-    if (columns.empty()) return ReadHeader(line, fields);
-    if (fields.size() != columns.size()) {
-      return collector.AddFault(line, "expected " + std::to_string(columns.size()) +
-                                          " fields as in the header, not " +
-                                          std::to_string(fields.size()));
+    if (columns.empty()) return ReadHeader(fields);
+    if (!isCSV && (fields.size() < columns.size() - 1 || fields.size() > columns.size())) {
+      return collector.AddFault(first,
+                                "expected a name, a telephone and a department with tabs between");
+    }
+    if (isCSV && fields.size() != columns.size()) {
+      return collector.AddFault(first, "expected " + std::to_string(columns.size()) +
+                                           " fields as in the header, not " +
+                                           std::to_string(fields.size()));
     }
     Contact contact;
     for (std::size_t i = 0; i < fields.size(); ++i) {
@@ -152,30 +145,29 @@ class CSVReader {
           ' ');
       contact.*columns[i] = std::move(fields[i]);
     }
-    collector.Add(line, std::move(contact));
+    collector.Add(first, std::move(contact));
   }
 
-  void ReadHeader(int line, const Fields& fields) {
-    hasHeader = true;
+  void ReadHeader(const Fields& fields) {
     for (const auto& field : fields) columns.push_back(FieldNamed(field));
     for (const auto& [name, field] : kFields) {
       const auto count = std::count(columns.begin(), columns.end(), field);
       const bool isRequired = field == &Contact::name || field == &Contact::telephone;
-      if (count > 1) collector.AddFault(line, "the column " + std::string(name) + " is repeated");
+      if (count > 1) collector.AddFault(first, "the column " + std::string(name) + " is repeated");
       if (count == 0 && isRequired) {
-        collector.AddFault(line, "the header lacks the column " + std::string(name));
+        collector.AddFault(first, "the header lacks the column " + std::string(name));
       }
-      hasHeader = hasHeader && count <= 1 && (count == 1 || !isRequired);
+      isHeaderFaulty = isHeaderFaulty || count > 1 || (count == 0 && isRequired);
     }
   }
 
   Collector& collector;
+  bool isCSV;
   csv_parser parser{};
   Fields row;
   std::vector<std::string Contact::*> columns;  // null for those that are ignored
-  bool hasHeader = false;                       // which is whole
-  int number = 0;                               // of the line
-  int first = 1;                                // line of the row
+  bool isHeaderFaulty = false;
+  int number = 0, first = 1;  // of the line, and of the first one of the row
 };
 
 // The separator of CSV with this header; none of a line of the other format, which has tabs and no
@@ -188,10 +180,11 @@ std::optional<char> SeparatorOf(const std::string& header) {
       separator = other;
     }
   }
-  const Fields names = separator == '\t' ? FieldsOf(header) : Fields{};
-  const bool isHeader = std::any_of(names.begin(), names.end(), FieldNamed);
-  const bool isLine = header.empty() || header.front() == '#' || (separator == '\t' && !isHeader);
-  return isLine ? std::nullopt : std::optional(separator);
+  bool isHeader = separator != '\t';
+  std::istringstream names(header.substr(0, header.find('\r')));
+  for (std::string name; std::getline(names, name, '\t');) isHeader |= FieldNamed(name) != nullptr;
+  return header.empty() || header.front() == '#' || !isHeader ? std::nullopt
+                                                              : std::optional(separator);
 }
 
 }  // namespace
@@ -199,23 +192,15 @@ std::optional<char> SeparatorOf(const std::string& header) {
 std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& source) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   Collector collector(source);
-  std::optional<CSVReader> csv;
   std::string line;
+  std::getline(contacts, line);
+  if (line.rfind(kByteOrderMark, 0) == 0) line.erase(0, kByteOrderMark.size());
+  Parser parser(collector, SeparatorOf(line));
   bool canContinue = true;
-  for (int number = 1; canContinue && std::getline(contacts, line); ++number) {
-    if (number == 1) {
-      if (line.rfind(kByteOrderMark, 0) == 0) line.erase(0, kByteOrderMark.size());
-      if (const auto separator = SeparatorOf(line)) csv.emplace(collector, *separator);
-    }
-    if (csv) {
-      canContinue = csv->ParseLine(line + "\n");
-    } else if (!line.empty() && line != "\r" && line.front() != '#') {
-      if (line.back() == '\r') line.pop_back();
-      AddLine(collector, number, line);
-    }
-  }
+  do canContinue = parser.ParseLine(line + "\n");
+  while (canContinue && std::getline(contacts, line));
   if (contacts.bad()) throw std::runtime_error(source + ": " + std::strerror(errno));
-  if (csv && canContinue) csv->End();
+  if (canContinue) parser.End();
   return collector.Collected();
 }
 

@@ -16,10 +16,12 @@ struct Contact {
   std::string key{};  ///< What identifies the contact in the files of the user; possibly empty.
 };
 
-/// Reads contacts in UTF-8 from one of two formats. A byte order mark at the start is ignored.
+/// Reads contacts in UTF-8 from one of two formats. A byte order mark at the start and
+/// blanks around a field are ignored. Control characters, such as line feeds in quotes, become
+/// spaces.
 /// - CSV as RFC 4180 describes it, separated by commas, semicolons or tabs. The header names the
 ///   columns in any order: `name`, `telephone`, and possibly `department` and `key`. Others are
-///   ignored. Control characters, such as line feeds in quotes, become spaces.
+///   ignored.
 /// - One contact per line: name, telephone, department and possibly a key, separated by tabs. Empty
 ///   lines and lines that begin with # are skipped.
 /// A name and a telephone must not be empty, and a key not be repeated.

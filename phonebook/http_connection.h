@@ -23,7 +23,7 @@ class HTTPConnection;
 class ConnectionOwner {
  public:
   ConnectionOwner(HTTPHandlers theHandlers, HTTPLimits theLimits)
-      : handlers(std::move(theHandlers)), limits(theLimits) {}
+      : handlers(std::move(theHandlers)), limits(std::move(theLimits)) {}
   ConnectionOwner(const ConnectionOwner&) = delete;
   ConnectionOwner& operator=(const ConnectionOwner&) = delete;
   virtual ~ConnectionOwner() = default;

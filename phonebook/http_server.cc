@@ -29,7 +29,7 @@ using boost::beast::error_code;
 class HTTPServer::Implementation : public ConnectionOwner {
  public:
   Implementation(HTTPHandlers theHandlers, HTTPLimits theLimits)
-      : ConnectionOwner(std::move(theHandlers), theLimits) {
+      : ConnectionOwner(std::move(theHandlers), std::move(theLimits)) {
     // Looking at all connections now and then costs less than a timer for each step of each.
     CallEvery(std::chrono::milliseconds(100), [this] { CheckDeadlines(); });
   }
@@ -195,7 +195,7 @@ void HTTPServer::Implementation::AcceptPending() {
 }
 
 HTTPServer::HTTPServer(HTTPHandlers handlers, HTTPLimits limits)
-    : implementation(std::make_unique<Implementation>(std::move(handlers), limits)) {}
+    : implementation(std::make_unique<Implementation>(std::move(handlers), std::move(limits))) {}
 
 HTTPServer::~HTTPServer() = default;
 

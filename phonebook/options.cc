@@ -33,7 +33,7 @@ std::string CheckedAdmin(const std::string& address) {
 
 std::string CheckedProxy(const std::string& network) {
   try {
-    TrustedProxies({network});
+    const TrustedProxies proxies({network});
     return "";
   } catch (const std::exception&) {
     return "it must be like 192.0.2.1 or 192.0.2.0/24";

@@ -41,7 +41,7 @@ ip::address TrustedProxies::ClientOf(std::string_view forwardedFor,
   while (!forwardedFor.empty()) {
     const auto comma = forwardedFor.rfind(',');  // npos + 1 is 0
     boost::system::error_code error;
-    const auto address = ip::make_address(
+    auto address = ip::make_address(
         boost::algorithm::trim_copy(std::string(forwardedFor.substr(comma + 1))), error);
     if (error) break;
     if (!Contains(address)) return address;

@@ -84,11 +84,11 @@ SearchKeyRows SortedSearchKeys(const std::vector<Row>& rows, Progress& progress)
 
 void InsertContacts(BulkInsert& insert, const std::vector<Row>& rows, Progress& progress) {
   std::vector<std::string_view> values;
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    const std::string id = std::to_string(rows[i].id);
+  for (const auto& row : rows) {
+    const std::string id = std::to_string(row.id);
     values.assign(1, id);
-    for (const auto& column : kColumns) values.emplace_back(rows[i].contact->*column.field);
-    values.insert(values.end(), {rows[i].collationKey, rows[i].allKeys, "1"});
+    for (const auto& column : kColumns) values.emplace_back(row.contact->*column.field);
+    values.insert(values.end(), {row.collationKey, row.allKeys, "1"});
     insert.Add(values);
     ++progress.done;
     progress.Step();
@@ -145,7 +145,8 @@ void Import(soci::session& session, const Dialect& dialect, const std::vector<Co
     progress.Step();
     return a.collationKey < b.collationKey;
   });
-  for (std::size_t i = 0; i < rows.size(); ++i) rows[i].id = static_cast<long long>(i + 1);
+  long long id = 0;
+  for (auto& row : rows) row.id = ++id;
   InsertRows(session, dialect, rows, progress);
   CreateTriggersAndIndexes(session, dialect, [&] { progress.Report(); });
   for (const auto& sql : dialect.afterImport) {

@@ -132,7 +132,8 @@ Differences Replace(DatabaseConnection& connection, std::vector<Contact> contact
   soci::session& session = connection.session;
   const Dialect& dialect = connection.dialect;
   Transaction transaction(session, dialect);
-  for (const auto& sql : dialect.lockContacts) session << sql;
+  if (!dialect.lockSchema.empty()) session << dialect.lockSchema;
+  session << dialect.lockContacts;
   const auto stored = ReadStored(session);
   std::vector<long long> ids;
   const Differences differences = Match(stored, contacts, ids);

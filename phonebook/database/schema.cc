@@ -92,7 +92,7 @@ Dialect MakeSQLite() {
   sqlite.triggers = SQLiteTriggers();
   sqlite.indexes = kIndexes;
   // Readers need fewer locks: they answer a third more requests.
-  sqlite.lockContacts = {"PRAGMA cache_size = -262144"};  // KiB; BEGIN IMMEDIATE has locked
+  sqlite.lockContacts = "PRAGMA cache_size = -262144";  // KiB; BEGIN IMMEDIATE has locked
   for (const auto& trigger : sqlite.triggers) {
     sqlite.beforeReplacement.push_back("DROP TRIGGER " + trigger.name);
     sqlite.afterReplacement.push_back(trigger.sql);
@@ -169,8 +169,7 @@ Dialect MakePostgreSQL() {
       {"search_keys_by_key",
        "CREATE UNIQUE INDEX search_keys_by_key ON search_keys (key, collation_key, contact)"
        " INCLUDE (all_keys)"});
-  postgresql.lockContacts = {postgresql.lockSchema,
-                             "LOCK TABLE contacts IN SHARE ROW EXCLUSIVE MODE"};
+  postgresql.lockContacts = "LOCK TABLE contacts IN SHARE ROW EXCLUSIVE MODE";
   postgresql.beforeReplacement = {"ALTER TABLE contacts DISABLE TRIGGER USER"};
   postgresql.afterReplacement = {"ALTER TABLE contacts ENABLE TRIGGER USER"};
   postgresql.afterImport = {// beyond, no id is left for others

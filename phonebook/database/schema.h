@@ -73,7 +73,7 @@ struct Dialect {
   std::vector<std::string> renames;            ///< Specific to an upgrade from version 1.
   std::vector<SchemaObject> triggers;          ///< On `contacts`.
   std::vector<SchemaObject> indexes;           ///< Created after an import, which is faster.
-  std::vector<std::string> lockContacts;       ///< Keeps others from writing in a transaction.
+  std::string lockContacts;                    ///< Keeps others from writing in a transaction.
   std::vector<std::string> beforeReplacement;  ///< Ends triggers, which would act on each contact.
   std::vector<std::string> afterReplacement;   ///< Restores what `beforeReplacement` has ended.
   std::vector<std::string> afterImport;        ///< In its transaction.

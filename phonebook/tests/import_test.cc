@@ -28,9 +28,9 @@ TEST(ContactFiles, AreReadOrRefusedWithAllFaults) {
       {"\"name\"\t\"telephone\"\t\"department\"\nA\t1\t\"two\r\nlines\"\nB\t2\t\n",
        "A|1|two  lines|;B|2||;"},
       {"# name, telephone\nA \"B\"\t1\t\nC, D\t2\tE\t9\n", "A \"B\"|1||;C, D|2|E|9;"},
-      {"name,telephone,key\n\"A\nB\",1,7\n,2,\nC,,\nD,3,7\nE\n\xff,4,\n",
-       "f:4: the name is empty\nf:5: the telephone is empty\nf:6: the key is that of line 2\n"
-       "f:7: expected 3 fields as in the header, not 1\nf:8: this is not UTF-8"},
+      {"name,telephone,key\n\"A\nB\",1,7\n,2,\nC,,\n\nD,3,7\nE\n\xff,4,\n",
+       "f:4: the name is empty\nf:5: the telephone is empty\nf:7: the key is that of line 2\n"
+       "f:8: expected 3 fields as in the header, not 1\nf:9: this is not UTF-8"},
       {"name,telephone\nA,\"1\nB,2\n", "f:2: a quote is never closed"},
       {"name,telephone\nA,1\nB \"b\",2\nC,3\n",
        "f:3: a quote is neither doubled nor around a field"},

@@ -115,8 +115,9 @@ TEST(SchemaVersions, KeepTheirColumns) {
     }
     EXPECT_EQ(names, kColumnsOfVersions.at(static_cast<std::size_t>(version - 1))) << version;
   }
-  EXPECT_NE(ContentOf(DOCUMENTATION "phonebook-running.md").find("contacts (id, " + ColumnNames() + ")"),
-            std::string::npos);
+  EXPECT_NE(
+      ContentOf(DOCUMENTATION "phonebook-running.md").find("contacts (id, " + ColumnNames() + ")"),
+      std::string::npos);
 }
 
 TEST_P(Schema, IsImportedAndFoundByColumns) {

@@ -156,7 +156,7 @@ class ServerProcess : boost::noncopyable {
     const std::string own = port;
     port = said.substr(said.find(address) + address.size());
     port.resize(port.find('/'));
-    const auto response = ParseResponse(Exchange("GET " + path + " HTTP/1.0\r\n\r\n"));
+    auto response = ParseResponse(Exchange("GET " + path + " HTTP/1.0\r\n\r\n"));
     port = own;
     return response;
   }
