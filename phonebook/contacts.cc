@@ -26,7 +26,7 @@ using Fields = std::vector<std::string>;
 
 struct ColumnFacts {
   const char* name;
-  std::string Contact::*field;
+  std::string Contact::* field;
 };
 constexpr ColumnFacts kFields[] = {{"name", &Contact::name},
                                    {"telephone", &Contact::telephone},
@@ -34,7 +34,7 @@ constexpr ColumnFacts kFields[] = {{"name", &Contact::name},
                                    {"key", &Contact::key}};
 
 // The field of a column; null for other columns.
-std::string Contact::*FieldNamed(std::string name) {
+std::string Contact::* FieldNamed(std::string name) {
   if (name.size() > 1 && name.front() == '"') name = name.substr(1, name.size() - 2);
   std::transform(name.begin(), name.end(), name.begin(),
                  [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });

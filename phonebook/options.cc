@@ -96,12 +96,11 @@ void AddCommands(CLI::App& app, Options& options) {
   CLI::App* const backup =
       app.add_subcommand("backup", "Copy an SQLite database, also while servers run");
   backup->add_option("FILE", options.file, "new file of the copy")->required();
-  import->callback([&] { options.command = Options::Command::kImport;
-});
-backup->callback([&] { options.command = Options::Command::kBackUp; });
+  import->callback([&] { options.command = Options::Command::kImport; });
+  backup->callback([&] { options.command = Options::Command::kBackUp; });
 }  // namespace
 
-}  // namespace phonebook
+}  // namespace
 
 std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
   CLI::App app("A company phone book for IP phones, and a preview of it at /preview.", "phonebook");
