@@ -1,14 +1,14 @@
-# Draws how long each implementation takes for a rendering, in units of what libteleform takes.
-set terminal svg size 860,420 dynamic noenhanced font "sans-serif,13" background "white"
+# Draws how long each implementation takes for a document, in units of libteleform's whole job.
+set terminal svg size 860,480 dynamic noenhanced font "sans-serif,13" background "white"
 set output chart
-set title "Time for one rendering into a fresh string (libteleform = 1, logarithmic)"
+set title "Time for one document into a fresh string (whole job of libteleform = 1, logarithmic)"
 set style data histograms
 set style histogram clustered gap 1
 set style fill solid border -1
 set boxwidth 0.9
 set logscale y
-set yrange [0.5:200]
-set ytics (0.5, 1, 2, 5, 10, 20, 50, 100)
+set yrange [0.05:100]
+set ytics (0.05, 0.1, 0.2, 0.5, 1, 2, 5, 10, 20, 50)
 set grid ytics
 set key top left
 set xtics rotate by -20

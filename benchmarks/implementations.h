@@ -16,9 +16,13 @@ struct Implementation {
   bool writesBlanks;
   Renderer (*directory)(const Directory&);
   Renderer (*menu)(const Menu&);
+  // Null with escaping, which is measured with directories and menus.
   Renderer (*status)(const Status&);
   Renderer (*screen)(const Screen&);
 };
+
+// The text itself, where others escape it.
+inline const std::string& AsIs(const std::string& text) { return text; }
 
 // An implementation whose function `Write(contents, out)` does everything at each rendering.
 template <auto Write, typename Contents>
@@ -28,7 +32,9 @@ Renderer RenderWith(const Contents& contents) {
 
 extern const Implementation kTeleform;
 extern const Implementation kTeleformWholeJob;  // construct, fill, render, destroy
+extern const Implementation kTeleformEscaped;   // the whole job, each text through EscapeXML
 extern const Implementation kLimit;
 extern const std::vector<Implementation> kStringWriters;
+extern const Implementation kChainEscaped;  // the first of them, each text through EscapeXML
 extern const std::vector<Implementation> kXmlLibraries;
 extern const Implementation kTemplateEngine;

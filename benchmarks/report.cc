@@ -13,6 +13,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -55,6 +56,9 @@ const std::vector<std::string> kWork = {"directory 0",    "directory 10", "direc
 const std::vector<std::string> kPeers = {"chain of +=", "ostringstream", "{fmt}",   "pugixml",
                                          "tinyxml2",    "libxml2",       "mustache"};
 
+const std::string kRendering = "libteleform";
+const std::string kWholeJob = "libteleform, whole job";
+
 void AppendRow(std::string& table, const std::string& first,
                const std::vector<std::string>& cells) {
   table += "| " + first;
@@ -70,32 +74,48 @@ void AppendHead(std::string& table, const std::string& first,
   table += "|\n";
 }
 
-std::string Renderings(const Results& results, const std::string& string) {
+// How long the peers take, as multiples of the time of one implementation of ours.
+std::string Comparison(const Results& results, const std::string& string,
+                       const std::string& implementation, const std::string& label) {
   std::string table;
   AppendHead(table, "", kWork);
-  const auto row = [&](const std::string& label, auto cellOf) {
+  const auto row = [&](const std::string& first, auto cellOf) {
     std::vector<std::string> cells;
     cells.reserve(kWork.size());
     for (const auto& work : kWork) cells.push_back(cellOf(work + "/" + string + "/"));
-    AppendRow(table, label, cells);
+    AppendRow(table, first, cells);
   };
-  row("libteleform, ns",
-      [&](const std::string& work) { return Rounded(results.Nanoseconds(work + "libteleform")); });
-  row("libteleform / limit", [&](const std::string& work) {
-    return Rounded(results.Ratio(work + "libteleform", work + "limit"));
-  });
-  for (const auto& peer : kPeers) {
-    row(peer + " / libteleform", [&](const std::string& work) {
-      return Rounded(results.Ratio(work + peer, work + "libteleform"));
+  row(label + ", ns",
+      [&](const std::string& work) { return Rounded(results.Nanoseconds(work + implementation)); });
+  if (implementation == kRendering) {
+    row(label + " / limit", [&](const std::string& work) {
+      return Rounded(results.Ratio(work + implementation, work + "limit"));
     });
   }
-  row("whole job, ns", [&](const std::string& work) {
-    return Rounded(results.Nanoseconds(work + "libteleform, whole job"));
-  });
-  for (const std::string peer : {"pugixml", "tinyxml2"}) {
-    row(peer + " / whole job", [&](const std::string& work) {
-      return Rounded(results.Ratio(work + peer, work + "libteleform, whole job"));
+  for (const auto& peer : kPeers) {
+    row(peer + " / " + label, [&](const std::string& work) {
+      return Rounded(results.Ratio(work + peer, work + implementation));
     });
+  }
+  return table;
+}
+
+std::string Escaped(const Results& results) {
+  const std::vector<std::string> peers = {"chain of +=", "pugixml", "tinyxml2", "libxml2"};
+  std::vector<std::string> head = {"whole job, ns"};
+  for (const auto& peer : peers) head.push_back(peer + " / whole job");
+  std::string table;
+  AppendHead(table, "escaped", head);
+  for (const std::string work : {"directory 32", "menu"}) {
+    for (const auto& [string, label] :
+         {std::pair{"fresh", "fresh string"}, {"reused", "string used again"}}) {
+      const std::string prefix = "escaped " + work + "/" + string + "/";
+      std::vector<std::string> cells = {Rounded(results.Nanoseconds(prefix + kWholeJob))};
+      for (const auto& peer : peers) {
+        cells.push_back(Rounded(results.Ratio(prefix + peer, prefix + kWholeJob)));
+      }
+      AppendRow(table, work + ", " + label, cells);
+    }
   }
   return table;
 }
@@ -182,13 +202,22 @@ void ReplaceMeasured(const std::string& path, const std::string& tables) {
 }
 
 void WriteChart(const std::string& path, const Results& results) {
+  const std::pair<std::string, std::string> bars[] = {{"limit", "limit of a rendering"},
+                                                      {kRendering, "libteleform, rendering alone"},
+                                                      {kWholeJob, "libteleform, whole job"},
+                                                      {"chain of +=", "chain of +="},
+                                                      {"ostringstream", "ostringstream"},
+                                                      {"{fmt}", "{fmt}"},
+                                                      {"tinyxml2", "tinyxml2"},
+                                                      {"pugixml", "pugixml"},
+                                                      {"mustache", "mustache"},
+                                                      {"libxml2", "libxml2"}};
   std::ofstream out(path);
-  for (const std::string name : {"limit", "libteleform", "chain of +=", "ostringstream", "{fmt}",
-                                 "tinyxml2", "pugixml", "mustache", "libxml2"}) {
-    out << '"' << name << "\"";
+  for (const auto& [name, label] : bars) {
+    out << '"' << label << "\"";
     for (const std::string work : {"directory 32", "menu", "text screen"}) {
       const std::string prefix = work + "/fresh/";
-      out << "\t" << results.Ratio(prefix + name, prefix + "libteleform");
+      out << "\t" << results.Ratio(prefix + name, prefix + kWholeJob);
     }
     out << "\n";
   }
@@ -204,11 +233,18 @@ int main(int argc, char** argv) {
   }
   try {
     const Results results(argv[1]);
-    const std::string tables =
-        "Into a fresh string:\n\n" + Renderings(results, "fresh") +
-        "\nInto a string that is used again:\n\n" + Renderings(results, "reused") +
-        "\nSorting:\n\n" + Sorting(results) + "\nGrowth:\n\n" + Growth(results) + "\nScreens:\n\n" +
-        Screens(results) + "\nTexts in which nothing is to be escaped:\n\n" + Escaping(results);
+    const std::string tables = "The whole job, into a fresh string:\n\n" +
+                               Comparison(results, "fresh", kWholeJob, "whole job") +
+                               "\nThe whole job, into a string that is used again:\n\n" +
+                               Comparison(results, "reused", kWholeJob, "whole job") +
+                               "\nThe whole job with escaping:\n\n" + Escaped(results) +
+                               "\nA rendering alone, into a fresh string:\n\n" +
+                               Comparison(results, "fresh", kRendering, "rendering") +
+                               "\nA rendering alone, into a string that is used again:\n\n" +
+                               Comparison(results, "reused", kRendering, "rendering") +
+                               "\nSorting:\n\n" + Sorting(results) + "\nGrowth:\n\n" +
+                               Growth(results) + "\nScreens:\n\n" + Screens(results) +
+                               "\nTexts in which nothing is to be escaped:\n\n" + Escaping(results);
     ReplaceMeasured(argv[2], tables);
     WriteChart(argv[3], results);
     std::cout << tables;

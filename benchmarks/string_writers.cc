@@ -1,5 +1,6 @@
 // What one writes by hand: appending to a string, a string stream, and a formatting library.
 #include <fmt/format.h>
+#include <teleform/screens/escape.h>
 
 #include <iterator>
 #include <sstream>
@@ -8,46 +9,48 @@
 
 namespace {
 
+template <auto Escape>
 void AppendDirectory(const Directory& directory, std::string& out) {
   out += "<CiscoIPPhoneDirectory";
   out += " previous=\"";
-  out += directory.previous;
+  out += Escape(directory.previous);
   out += "\" next=\"";
-  out += directory.next;
+  out += Escape(directory.next);
   out += "\">\n<Title>";
-  out += directory.title;
+  out += Escape(directory.title);
   out += "</Title>\n";
   for (const auto& person : directory.people) {
     out += "<DirectoryEntry>\n<Name>";
-    out += person.name;
+    out += Escape(person.name);
     out += "</Name>\n<Telephone>";
-    out += person.telephone;
+    out += Escape(person.telephone);
     out += "</Telephone>\n</DirectoryEntry>\n";
   }
   out += "</CiscoIPPhoneDirectory>\n";
 }
 
+template <auto Escape>
 void AppendMenu(const Menu& menu, std::string& out) {
   out += "<AastraIPPhoneTextMenu";
   out += " destroyOnExit = \"yes\"";
   out += " Beep = \"yes\"";
   out += ">\n<Title>";
-  out += menu.title;
+  out += Escape(menu.title);
   out += "</Title>\n";
   for (const auto& item : menu.items) {
     out += "<MenuItem>\n<Prompt>";
-    out += item.name;
+    out += Escape(item.name);
     out += "</Prompt>\n<URI>";
-    out += item.telephone;
+    out += Escape(item.telephone);
     out += "</URI>\n</MenuItem>\n";
   }
   for (const auto& key : menu.keys) {
     out += "<SoftKey index = \"";
     out += std::to_string(key.index);
     out += "\">\n<Label>";
-    out += key.label;
+    out += Escape(key.label);
     out += "</Label>\n<URI>";
-    out += key.uri;
+    out += Escape(key.uri);
     out += "</URI>\n</SoftKey>\n";
   }
   out += "</AastraIPPhoneTextMenu>\n";
@@ -176,9 +179,16 @@ void FormatScreen(const Screen& screen, std::string& out) {
 }  // namespace
 
 const std::vector<Implementation> kStringWriters = {
-    {"chain of +=", true, RenderWith<AppendDirectory>, RenderWith<AppendMenu>,
+    {"chain of +=", true, RenderWith<AppendDirectory<AsIs>>, RenderWith<AppendMenu<AsIs>>,
      RenderWith<AppendStatus>, RenderWith<AppendScreen>},
     {"ostringstream", true, RenderWith<StreamDirectory>, RenderWith<StreamMenu>,
      RenderWith<StreamStatus>, RenderWith<StreamScreen>},
     {"{fmt}", true, RenderWith<FormatDirectory>, RenderWith<FormatMenu>, RenderWith<FormatStatus>,
      RenderWith<FormatScreen>}};
+
+const Implementation kChainEscaped = {"chain of +=",
+                                      true,
+                                      RenderWith<AppendDirectory<teleform::screens::EscapeXML>>,
+                                      RenderWith<AppendMenu<teleform::screens::EscapeXML>>,
+                                      nullptr,
+                                      nullptr};
