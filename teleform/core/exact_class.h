@@ -9,7 +9,7 @@ namespace teleform {
 template <typename Object>
 const void* VtableOf(const Object& object) {
   const void* vtable = nullptr;
-  std::memcpy(&vtable, static_cast<const void*>(&object), sizeof vtable);
+  std::memcpy(static_cast<void*>(&vtable), static_cast<const void*>(&object), sizeof vtable);
   return vtable;
 }
 

@@ -154,7 +154,7 @@ class ObjectPool {
   // What the texts take outside the object, with what the allocator adds.
   static std::size_t BytesOf(const Texts& texts) {
     const auto bytes = [](const std::string& text) {
-      const bool isInside = text.capacity() < sizeof text;
+      const bool isInside = text.capacity() < sizeof(std::string);
       return isInside ? 0 : text.capacity() + 2 * sizeof(void*);
     };
     return bytes(texts.first) + bytes(texts.second);
