@@ -68,7 +68,7 @@ void WriteScreen(const Screen& screen, std::string& out) {
 }
 
 template <typename Document>
-Renderer RenderFilled(std::shared_ptr<Document> document) {
+Renderer RenderFilled(const std::shared_ptr<Document>& document) {
   return [document](std::string& out) { document->Render(out); };
 }
 
