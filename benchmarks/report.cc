@@ -202,16 +202,17 @@ void ReplaceMeasured(const std::string& path, const std::string& tables) {
 }
 
 void WriteChart(const std::string& path, const Results& results) {
-  const std::pair<std::string, std::string> bars[] = {{"limit", "limit of a rendering"},
-                                                      {kRendering, "libteleform, rendering alone"},
-                                                      {kWholeJob, "libteleform, whole job"},
-                                                      {"chain of +=", "chain of +="},
-                                                      {"ostringstream", "ostringstream"},
-                                                      {"{fmt}", "{fmt}"},
-                                                      {"tinyxml2", "tinyxml2"},
-                                                      {"pugixml", "pugixml"},
-                                                      {"mustache", "mustache"},
-                                                      {"libxml2", "libxml2"}};
+  const std::vector<std::pair<std::string, std::string>> bars = {
+      {"limit", "limit of a rendering"},
+      {kRendering, "libteleform, rendering alone"},
+      {kWholeJob, "libteleform, whole job"},
+      {"chain of +=", "chain of +="},
+      {"ostringstream", "ostringstream"},
+      {"{fmt}", "{fmt}"},
+      {"tinyxml2", "tinyxml2"},
+      {"pugixml", "pugixml"},
+      {"mustache", "mustache"},
+      {"libxml2", "libxml2"}};
   std::ofstream out(path);
   for (const auto& [name, label] : bars) {
     out << '"' << label << "\"";
