@@ -88,9 +88,9 @@ template <std::size_t size>
 bool IsPlainInBlocks(std::string_view text) {
   const std::string_view last = text.substr(text.size() - size);
   for (; text.size() > size; text.remove_prefix(size)) {
-    if (!IsPlainBlock<size>(text.data())) return false;
+    if (!IsPlainBlock<size>(&text.front())) return false;
   }
-  return IsPlainBlock<size>(last.data());
+  return IsPlainBlock<size>(&last.front());
 }
 
 bool IsPlainText(std::string_view text) {
