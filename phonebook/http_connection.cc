@@ -26,6 +26,17 @@ bool IsHTTP10(const Message& request) {
   return request.version() < 11;
 }
 
+// A field that comes several times is one list.
+template <typename Message>
+std::string JoinedFields(const Message& request, const char* name) {
+  std::string all;
+  const auto [begin, end] = request.equal_range(name);
+  for (auto field = begin; field != end; ++field) {
+    all += (all.empty() ? "" : ",") + TextOf(field->value());
+  }
+  return all;
+}
+
 }  // namespace
 
 // Whoever has an IPv6 address has its network, too.
@@ -199,8 +210,9 @@ Request HTTPConnection::Described() const {
   const char* scheme = "http";
   std::optional<Peer> client;
   if (isProxied) {
-    client.emplace(owner.limits.proxies.ClientOf(TextOf(request["X-Forwarded-For"]), peer.ip));
-    if (beast::iequals(request["X-Forwarded-Proto"], "https")) scheme = "https";
+    client.emplace(
+        owner.limits.proxies.ClientOf(JoinedFields(request, "X-Forwarded-For"), peer.ip));
+    if (beast::iequals(JoinedFields(request, "X-Forwarded-Proto"), "https")) scheme = "https";
   }
   return {TextOf(request.method_string()),
           TextOf(request.target()),

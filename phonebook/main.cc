@@ -87,9 +87,9 @@ bool Import(const Options& options, Signals& signals) {
     if (!store.CreateOrOpen({}, report)) return false;
   }
   phonebook::DatabaseConnection connection(options.database);
-  connection.Open();
   const auto stopping = signals.OnStop([&] { connection.Interrupt(); });
   try {
+    connection.Open();
     const auto differences = phonebook::Replace(connection, std::move(contacts), options.isForced,
                                                 [&](std::size_t done, std::size_t total) {
                                                   if (!report(done, total))
@@ -168,7 +168,8 @@ int Serve(Options& options, Signals& signals) {
 int Main(int argc, char** argv) {
   Options options;
   if (const auto status = phonebook::ParseOptions(argc, argv, options)) return *status;
-  static Signals signals;   // outlives its detached thread
+  // It outlives its detached thread. A server has done all it should when it is stopped early.
+  static Signals signals(options.command == Options::Command::kServe ? EXIT_SUCCESS : EXIT_FAILURE);
   signal(SIGHUP, SIG_IGN);  // the terminal may close
   signal(SIGPIPE, SIG_IGN);
   signal(SIGXFSZ, SIG_IGN);  // the write fails

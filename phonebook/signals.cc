@@ -8,7 +8,7 @@
 
 namespace phonebook {
 
-Signals::Signals() : stop([] { std::_Exit(EXIT_SUCCESS); }) {  // nothing has begun
+Signals::Signals(int status) : stop([status] { std::_Exit(status); }) {
   sigset_t signals;
   sigemptyset(&signals);
   sigaddset(&signals, SIGTERM);

@@ -13,7 +13,8 @@ namespace phonebook {
 /// and outlive `main`.
 class Signals {
  public:
-  Signals();
+  /// @param status with which a signal ends the program while no handler is set.
+  explicit Signals(int status);
 
   /// Calls `handler` on a signal, at once if there was one before, while the returned value lives.
   std::shared_ptr<void> OnStop(std::function<void()> handler);

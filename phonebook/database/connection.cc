@@ -64,7 +64,7 @@ void DatabaseConnection::OpenFile() {
                                 "-wal can't be read: close the programs that write it, or let this"
                                 " user write");
     }
-    open("?immutable=1");
+    open("?immutable=1&mode=ro");
   }
   // SQLite compares texts byte by byte in this encoding, and keys are in order in UTF-8 alone.
   if (encoding != "UTF-8") {

@@ -27,6 +27,7 @@ TEST_P(PhoneBookOnSQLite, BelievesTrustedProxiesAlone) {
       {"198.51.100.1, 192.0.2.8,10.1.2.3 ", "192.0.2.8"},
       {"192.0.2.9, 2001:db8::1", "2001:db8::1"},
       {"192.0.2.9, unknown, 10.0.0.1", "127.0.0.1"},
+      {"192.0.2.10\r\nX-Forwarded-For: 192.0.2.11", "192.0.2.11"},
       {"10.0.0.1", "127.0.0.1"}};
   for (const bool isTrusted : {true, false}) {
     const auto server = Serve(

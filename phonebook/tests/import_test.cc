@@ -151,6 +151,9 @@ TEST_P(ImportsOnSQLite, AreBackedUp) {
   database = directory.path / "copy.db";
   EXPECT_EQ(ParsedPage(Serve()->Get("/cisco/directory").text).Items(),
             (Texts{"Ann", "Bob", "In the log"}));
+  database = directory.path / "typo.db";
+  EXPECT_NE(Run("backup", "empty.db").find("unable to open"), std::string::npos);
+  EXPECT_FALSE(fs::exists(database));
 }
 
 INSTANTIATE_TEST_SUITE_P(On, Imports, testing::Values("SQLite", "PostgreSQL"), NameOf);
