@@ -230,8 +230,9 @@ TELEFORM_INLINE inline void AppendDirectory(std::string& out, const Head& head,
   const auto own = ForEach(entries, [element](const auto& entry) {
     return element(entry->GetName(), entry->GetTelephone());
   });
-  const bool areOwn = std::all_of(entries.begin(), entries.end(), [](const auto& entry) {
-    return VtableOf(*entry) == VtableOf<Entry>();
+  const void* const vtable = VtableOf<Entry>();
+  const bool areOwn = std::all_of(entries.begin(), entries.end(), [vtable](const auto& entry) {
+    return VtableOf(*entry) == vtable;
   });
   const TotalSize headSize = Size(head);
   const TotalSize entriesSize = Size(own);
