@@ -106,10 +106,12 @@ TEST_P(PhoneBook, TellsMonitorsAndSystemdHowItIs) {
         R"(requests_total{maker="snom",page="directory",status="400"} 1)",
         R"(requests_total{maker="cisco",page="contact",status="200"} 1)",
         R"(requests_total{maker="other",page="other",status="404"} 1)", "request_seconds_count 4",
-        R"(request_seconds_bucket{le="+Inf"} 4)", "connections 0", "queued_requests 0"}) {
+        R"(request_seconds_bucket{le="+Inf"} 4)", "queued_requests 0"}) {
     EXPECT_TRUE(tells(line)) << line << server->GetAsMonitor("/metrics").text;
   }
-  EXPECT_TRUE(Eventually([&] { return tells("contacts 40") && tells("contacts_not_indexed 0"); }));
+  for (const char* line : {"connections 0", "contacts 40", "contacts_not_indexed 0"}) {
+    EXPECT_TRUE(Eventually([&] { return tells(line); })) << line;
+  }
   RemoveDatabase();
   HTTPResponse health;
   EXPECT_TRUE(Eventually([&] { return (health = server->GetAsMonitor("/health")).status == 503; }));
