@@ -26,7 +26,7 @@ using Fields = std::vector<std::string>;
 
 struct ColumnFacts {
   const char* name;
-  std::string Contact::* field;
+  ContactField field;
 };
 constexpr ColumnFacts kFields[] = {{"name", &Contact::name},
                                    {"telephone", &Contact::telephone},
@@ -34,7 +34,7 @@ constexpr ColumnFacts kFields[] = {{"name", &Contact::name},
                                    {"key", &Contact::key}};
 
 // The field of a column; null for other columns.
-std::string Contact::* FieldNamed(std::string name) {
+ContactField FieldNamed(std::string name) {
   if (name.size() > 1 && name.front() == '"') name = name.substr(1, name.size() - 2);
   std::transform(name.begin(), name.end(), name.begin(),
                  [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
@@ -165,7 +165,7 @@ class Parser {
   bool isCSV;
   csv_parser parser{};
   Fields row;
-  std::vector<std::string Contact::*> columns;  // null for those that are ignored
+  std::vector<ContactField> columns;  // null for those that are ignored
   bool isHeaderFaulty = false;
   int number = 0, first = 1;  // of the line, and of the first one of the row
 };

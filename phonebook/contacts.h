@@ -13,8 +13,10 @@ struct Contact {
   std::string name;
   std::string telephone;
   std::string department;
-  std::string key{};  ///< What identifies the contact in the files of the user; possibly empty.
+  /// What identifies the contact in the files of the user; possibly empty.
+  std::string key{};
 };
+using ContactField = std::string Contact::*;
 
 /// Reads contacts in UTF-8 from one of two formats. A byte order mark at the start and
 /// blanks around a field are ignored. Control characters, such as line feeds in quotes, become

@@ -87,17 +87,18 @@ void AddOptions(CLI::App& app, Options& options) {
 void AddCommands(CLI::App& app, Options& options) {
   app.require_subcommand(0, 1);
   app.fallthrough();
-  CLI::App* const import =
+  CLI::App* const importing =
       app.add_subcommand("import", "Make the contacts those of a file, also while servers run");
-  import->add_option("FILE", options.file, "contacts as CSV with a header, or one a line with tabs")
+  importing
+      ->add_option("FILE", options.file, "contacts as CSV with a header, or one a line with tabs")
       ->required()
       ->check(CLI::ExistingFile);
-  import->add_flag("--force", options.isForced, "even if more than half of the contacts go");
-  CLI::App* const backup =
+  importing->add_flag("--force", options.isForced, "even if more than half of the contacts go");
+  CLI::App* const backingUp =
       app.add_subcommand("backup", "Copy an SQLite database, also while servers run");
-  backup->add_option("FILE", options.file, "new file of the copy")->required();
-  import->callback([&] { options.command = Options::Command::kImport; });
-  backup->callback([&] { options.command = Options::Command::kBackUp; });
+  backingUp->add_option("FILE", options.file, "new file of the copy")->required();
+  importing->callback([&] { options.command = Options::Command::kImport; });
+  backingUp->callback([&] { options.command = Options::Command::kBackUp; });
 }  // namespace
 
 }  // namespace

@@ -60,21 +60,16 @@ SampleScreen Sample(const char* name, Document (*compose)(Maker, const Screen&),
             return [=, screen = fill(text, keys)](Maker maker) { return compose(maker, screen); };
           }};
 }
+Menu MenuOf(const std::string& t, const Keys& keys) { return {t, {{t, t}, {t, t}}, keys, t, t}; }
+List ListOf(const std::string& t, const Keys& keys) { return {t, {{t, t, t}}, keys, t, t}; }
+Text TextOf(const std::string& t, const Keys& keys) { return {t, {t, t}, t, keys}; }
+Form FormOf(const std::string& t, const Keys& keys) { return {t, t, t, t, t, keys}; }
+Call CallOf(const std::string& t, const Keys& keys) { return {{t, t, t}, keys}; }
+Alert AlertOf(const std::string& t, const Keys& keys) { return {TextOf(t, keys), true, t, 30}; }
 const std::vector<SampleScreen> kSampleScreens = {
-    Sample<Menu>(
-        "menu", ComposeMenu,
-        [](const auto& t, const auto& keys) { return Menu{t, {{t, t}, {t, t}}, keys, t, t}; }),
-    Sample<List>("list", ComposeList,
-                 [](const auto& t, const auto& keys) { return List{t, {{t, t, t}}, keys, t, t}; }),
-    Sample<Text>("text", ComposeText,
-                 [](const auto& t, const auto& keys) { return Text{t, {t, t}, t, keys}; }),
-    Sample<Form>("form", ComposeForm,
-                 [](const auto& t, const auto& keys) { return Form{t, t, t, t, t, keys}; }),
-    Sample<Call>("call", ComposeCall,
-                 [](const auto& t, const auto& keys) { return Call{{t, t, t}, keys}; }),
-    Sample<Alert>("alert", ComposeAlert, [](const auto& t, const auto& keys) {
-      return Alert{{t, {t, t}, t, keys}, true, t, 30};
-    })};
+    Sample("menu", ComposeMenu, MenuOf), Sample("list", ComposeList, ListOf),
+    Sample("text", ComposeText, TextOf), Sample("form", ComposeForm, FormOf),
+    Sample("call", ComposeCall, CallOf), Sample("alert", ComposeAlert, AlertOf)};
 
 // One key for the phone's own action, and one that loads `text`.
 Keys SampleKeys(const std::string& text) {

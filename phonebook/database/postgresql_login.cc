@@ -124,7 +124,8 @@ PGconn* PostgreSQLLogin::Connect() {
   PGconn* const connection = PQconnectStartParams(keywords.data(), values.data(), 1);
   if (connection == nullptr) return Fail(connection, "out of memory");
   // libpq would write them to stderr, and wait for whoever reads it. The server has logged them.
-  PQsetNoticeReceiver(connection, [](void*, const PGresult*) {}, nullptr);
+  constexpr auto kIgnore = [](void*, const PGresult*) {};
+  PQsetNoticeReceiver(connection, kIgnore, nullptr);
   if (PQstatus(connection) == CONNECTION_BAD) {
     return Fail(connection, FirstLine(PQerrorMessage(connection)));
   }

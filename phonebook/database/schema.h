@@ -30,7 +30,7 @@ constexpr int kSchemaVersion = 4;
 /// A column of `contacts` that holds a field of `Contact`.
 struct Column {
   const char* name;
-  std::string Contact::* field;
+  ContactField field;
   bool isRequired;  ///< Whether a contact without it is refused.
   bool isSearched;  ///< Whether contacts are found by its words.
   int since;        ///< The first version that has it. An upgrade can't add a required column.
