@@ -91,12 +91,13 @@ phonebookBenchmarks=$root/build/phonebook/phonebook/benchmarks
 testPackages=("${phonebookPackages[@]}" libgtest-dev libxml2-dev abigail-tools valgrind
   libcpp-httplib-dev curl iproute2 libxml2-utils postgresql tidy)
 
+# codename: prints the name of this system's release.
+codename() { (. /etc/os-release && echo "$VERSION_CODENAME"); }
+
 # mirror: prints the mirror that this system's packages come from.
 mirror() {
-  local release
-  release=$(. /etc/os-release && echo "$VERSION_CODENAME")
   # shellcheck disable=SC2016
-  apt-get indextargets --format '$(SITE)' "Codename: $release" 'Component: main' | head -1
+  apt-get indextargets --format '$(SITE)' "Codename: $(codename)" 'Component: main' | head -1
 }
 
 # buildPhonebook TARGET...: builds targets of the phone book.
