@@ -16,7 +16,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <stdexcept>
 #include <string>
@@ -100,8 +99,8 @@ inline std::string_view UpToNul(const std::string& text) { return text.c_str(); 
 // == Sizes ==
 
 // The sum of sizes. A document may contain the same text several times, which could overflow a
-// 32-bit std::size_t.
-using TotalSize = std::uint64_t;
+// 32-bit std::size_t. No alias of it elsewhere, as std::uint64_t is, for -Wuseless-cast.
+using TotalSize = unsigned long long;
 
 inline TotalSize Size(std::string_view text) { return text.size(); }
 
