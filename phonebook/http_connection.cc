@@ -52,33 +52,21 @@ Peer::Peer(const asio::ip::address& theIP) : ip(theIP), address(ip.to_string()),
   client = asio::ip::make_address_v6(bytes).to_string() + "/64";
 }
 
-const std::string& ConnectionOwner::Date() {
-  const std::time_t now = std::time(nullptr);
-  if (now != dateTime) {
-    char text[64];
-    std::tm parts{};
-    gmtime_r(&now, &parts);
-    date.assign(text, std::strftime(text, sizeof text, "%a, %d %b %Y %H:%M:%S GMT", &parts));
-    dateTime = now;
-  }
-  return date;
-}
-
-HTTPConnection::HTTPConnection(ConnectionOwner& theOwner, tcp::socket theSocket, Peer thePeer)
-    : owner(theOwner),
+HTTPConnection::HTTPConnection(HTTPServer& theServer, tcp::socket theSocket, Peer thePeer)
+    : server(theServer),
       socket(std::move(theSocket)),
       peer(std::move(thePeer)),
-      isProxied(owner.limits.proxies.Contains(peer.ip)) {
+      isProxied(server.limits.proxies.Contains(peer.ip)) {
   error_code ignored;
   socket.set_option(tcp::no_delay(true), ignored);
 }
 
 void HTTPConnection::ReadRequest() {
   parser.emplace();
-  parser->header_limit(static_cast<std::uint32_t>(owner.limits.maxHeader));
-  parser->body_limit(owner.limits.maxBody);
+  parser->header_limit(static_cast<std::uint32_t>(server.limits.maxHeader));
+  parser->body_limit(server.limits.maxBody);
   parser->eager(true);
-  SetDeadline(owner.limits.idleTimeout);
+  SetDeadline(server.limits.idleTimeout);
   isIdle = true;
   // The buffer of a large request would stay as long as the connection is idle.
   constexpr std::size_t kMaxIdleBuffer = 4096;
@@ -102,7 +90,7 @@ void HTTPConnection::Parse() {
   const bool isHalfEmptyLine =
       isIdle && buffer.size() == 1 && *static_cast<const char*>(buffer.data().data()) == '\r';
   if (buffer.size() > 0 && !isHalfEmptyLine) {
-    if (std::exchange(isIdle, false)) SetDeadline(owner.limits.requestTimeout);
+    if (std::exchange(isIdle, false)) SetDeadline(server.limits.requestTimeout);
     buffer.consume(parser->put(buffer.data(), error));
   }
   const int status = parser->is_header_done() ? CheckHeader() : 0;
@@ -112,7 +100,7 @@ void HTTPConnection::Parse() {
     Refuse(error);
   } else if (parser->is_done() || IsBodyAwaited()) {
     Serve();
-  } else if (buffer.size() > owner.limits.maxHeader) {
+  } else if (buffer.size() > server.limits.maxHeader) {
     Refuse(413);  // Beast buffers chunk headers without a limit
   } else {
     Read();
@@ -142,7 +130,7 @@ void HTTPConnection::OnRead(error_code error, std::size_t size) {
 
 // Returns the status that refuses the header, or 0.
 int HTTPConnection::CheckHeader() const {
-  if (parser->get().target().size() > owner.limits.maxTarget) return 414;
+  if (parser->get().target().size() > server.limits.maxTarget) return 414;
   const int status = CheckHost();
   return status != 0 ? status : CheckTransferEncoding();
 }
@@ -179,8 +167,8 @@ bool HTTPConnection::IsBodyAwaited() const {
 void HTTPConnection::Serve() {
   isKeptAlive = parser->get().keep_alive() && parser->is_done();
   deadline = kNever;
-  owner.handlers.serve(Described(), [weak = weak_from_this(), &server = owner](Response response) {
-    server.Respond(weak, std::move(response));
+  server.handlers.serve(Described(), [weak = weak_from_this(), &owner = server](Response response) {
+    owner.Respond(weak, std::move(response));
   });
 }
 
@@ -201,7 +189,7 @@ void HTTPConnection::Refuse(error_code error) {
 
 void HTTPConnection::Refuse(int status) {
   isKeptAlive = false;
-  Send(owner.handlers.refuse(Described(), status, ""));
+  Send(server.handlers.refuse(Described(), status, ""));
 }
 
 Request HTTPConnection::Described() const {
@@ -211,7 +199,7 @@ Request HTTPConnection::Described() const {
   std::optional<Peer> client;
   if (isProxied) {
     client.emplace(
-        owner.limits.proxies.ClientOf(JoinedFields(request, "X-Forwarded-For"), peer.ip));
+        server.limits.proxies.ClientOf(JoinedFields(request, "X-Forwarded-For"), peer.ip));
     if (beast::iequals(JoinedFields(request, "X-Forwarded-Proto"), "https")) scheme = "https";
   }
   return {TextOf(request.method_string()),
@@ -225,20 +213,20 @@ Request HTTPConnection::Described() const {
 }
 
 void HTTPConnection::Write(Response response) {
-  const auto& limits = owner.limits;
+  const auto& limits = server.limits;
   const std::size_t size = response.body.size();
-  if (size + owner.unsent > (size > limits.maxSmall ? limits.maxUnsent / 2 : limits.maxUnsent)) {
+  if (size + server.unsent > (size > limits.maxSmall ? limits.maxUnsent / 2 : limits.maxUnsent)) {
     isKeptAlive = false;
-    response = owner.handlers.refuse(Described(), 503, "too many responses are unsent");
+    response = server.handlers.refuse(Described(), 503, "too many responses are unsent");
   }
   Send(std::move(response));
 }
 
 void HTTPConnection::Send(Response response) {
   const bool isHead = parser->get().method() == http::verb::head;
-  isKeptAlive = isKeptAlive && !owner.isStopping;
+  isKeptAlive = isKeptAlive && !server.isStopping;
   message.emplace(static_cast<http::status>(response.status), 11);
-  message->set(http::field::date, owner.Date());
+  message->set(http::field::date, server.Date());
   message->set(http::field::content_type, response.type);
   for (const auto& [name, value] : response.fields) message->set(name, value);
   message->keep_alive(isKeptAlive);
@@ -247,15 +235,15 @@ void HTTPConnection::Send(Response response) {
   message->content_length(response.body.size());
   if (!isHead) message->body() = std::move(response.body);
   unsent = message->body().size();
-  owner.unsent += unsent;
-  SetDeadline(owner.limits.responseTimeout);
+  server.unsent += unsent;
+  SetDeadline(server.limits.responseTimeout);
   http::async_write(socket, *message, [self = shared_from_this()](error_code error, std::size_t) {
     self->OnWrite(error);
   });
 }
 
 void HTTPConnection::OnWrite(error_code error) {
-  owner.unsent -= std::exchange(unsent, 0);
+  server.unsent -= std::exchange(unsent, 0);
   message.reset();
   parser.reset();
   if (error) {
@@ -289,22 +277,28 @@ void HTTPConnection::Drain() {
 }
 
 void HTTPConnection::CheckDeadline(Clock::time_point now, bool isServerFull) {
-  const auto& limits = owner.limits;
+  const auto& limits = server.limits;
   if (isIdle && isServerFull) now += limits.idleTimeout - limits.idleTimeoutWhenFull;
   error_code ignored;
   if (now < deadline || (isIdle && socket.available(ignored) > 0)) return;
-  deadline = kNever;
   isOverdue = parser && !isIdle && !message;
   if (isOverdue) {
+    deadline = kNever;
     socket.cancel(ignored);
   } else {
-    socket.close(ignored);
+    Close();
   }
+}
+
+void HTTPConnection::Close() {
+  error_code ignored;
+  deadline = kNever;
+  socket.close(ignored);
 }
 
 void HTTPConnection::CloseIfIdle() {
   error_code ignored;
-  if (isIdle && socket.available(ignored) == 0) socket.close(ignored);
+  if (isIdle && socket.available(ignored) == 0) Close();
 }
 
 }  // namespace phonebook

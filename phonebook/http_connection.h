@@ -8,7 +8,6 @@
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/http.hpp>
 #include <chrono>
-#include <ctime>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,37 +15,6 @@
 #include "phonebook/http_server.h"
 
 namespace phonebook {
-
-class HTTPConnection;
-
-/// The server of a connection.
-class ConnectionOwner {
- public:
-  ConnectionOwner(HTTPHandlers theHandlers, HTTPLimits theLimits)
-      : handlers(std::move(theHandlers)), limits(std::move(theLimits)) {}
-  ConnectionOwner(const ConnectionOwner&) = delete;
-  ConnectionOwner& operator=(const ConnectionOwner&) = delete;
-  virtual ~ConnectionOwner() = default;
-
-  /// Writes a response on the serving thread, if the connection still exists. May be called from
-  /// any thread.
-  virtual void Respond(const std::weak_ptr<HTTPConnection>& connection, Response response) = 0;
-
-  /// Forgets a connection that has ended.
-  virtual void Remove(const std::shared_ptr<HTTPConnection>& connection) = 0;
-
-  /// The Date field of a response.
-  const std::string& Date();
-
-  const HTTPHandlers handlers;
-  const HTTPLimits limits;
-  bool isStopping = false;
-  std::size_t unsent = 0;  ///< Bytes of responses being written.
-
- private:
-  std::string date;
-  std::time_t dateTime = -1;
-};
 
 /// The client of a connection or, behind a proxy, of a request.
 struct Peer {
@@ -60,7 +28,7 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
  public:
   using Clock = std::chrono::steady_clock;
 
-  HTTPConnection(ConnectionOwner& owner, boost::asio::ip::tcp::socket socket, Peer peer);
+  HTTPConnection(HTTPServer& server, boost::asio::ip::tcp::socket socket, Peer peer);
 
   /// Waits for the next request, which may have arrived with the one before, and serves it.
   void ReadRequest();
@@ -70,6 +38,9 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   /// Ends a step that is overdue: refuses an incomplete request, or else closes the connection.
   /// @param isServerFull shortens the time for which the connection may be idle.
   void CheckDeadline(Clock::time_point now, bool isServerFull);
+
+  Clock::time_point Deadline() const { return deadline; }
+  void Close();
 
   /// Closes the connection unless a request has begun to arrive.
   void CloseIfIdle();
@@ -93,10 +64,10 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   void OnWrite(error_code error);
   void Shutdown();
   void Drain();
-  void Remove() { owner.Remove(shared_from_this()); }
+  void Remove() { server.Remove(shared_from_this()); }
   void SetDeadline(std::chrono::milliseconds timeout) { deadline = Clock::now() + timeout; }
 
-  ConnectionOwner& owner;
+  HTTPServer& server;
   boost::asio::ip::tcp::socket socket;
   const Peer peer;
   const bool isProxied;
@@ -107,7 +78,7 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   bool isIdle = false;
   bool isOverdue = false;
   bool isKeptAlive = false;
-  std::size_t unsent = 0;  // of owner.unsent
+  std::size_t unsent = 0;  // of server.unsent
 };
 
 }  // namespace phonebook

@@ -1,18 +1,11 @@
 #include "phonebook/http_server.h"
 
 #include <algorithm>
-#include <atomic>
 #include <boost/asio/dispatch.hpp>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/post.hpp>
-#include <boost/asio/steady_timer.hpp>
 #include <cstdint>
-#include <mutex>
 #include <stdexcept>
-#include <unordered_set>
 #include <utility>
-#include <vector>
 
 #include "phonebook/http_connection.h"
 
@@ -26,47 +19,13 @@ using boost::beast::error_code;
 
 }  // namespace
 
-class HTTPServer::Implementation : public ConnectionOwner {
- public:
-  Implementation(HTTPHandlers theHandlers, HTTPLimits theLimits)
-      : ConnectionOwner(std::move(theHandlers), std::move(theLimits)) {
-    // Looking at all connections now and then costs less than a timer for each step of each.
-    CallEvery(std::chrono::milliseconds(100), [this] { CheckDeadlines(); });
-  }
+HTTPServer::HTTPServer(HTTPHandlers theHandlers, HTTPLimits theLimits)
+    : handlers(std::move(theHandlers)), limits(std::move(theLimits)) {
+  // Looking at all connections now and then costs less than a timer for each step of each.
+  CallEvery(std::chrono::milliseconds(100), [this] { CheckDeadlines(); });
+}
 
-  int Listen(const std::string& address, int port);
-  void CallEvery(std::chrono::milliseconds interval, std::function<void()> tick);
-  void Run(std::chrono::milliseconds timeout);
-  void Stop();
-
-  void Respond(const std::weak_ptr<HTTPConnection>& connection, Response response) override;
-  void Remove(const std::shared_ptr<HTTPConnection>& connection) override;
-
-  std::atomic<std::size_t> count = 0;  // of connections, for other threads
-
- private:
-  using QueuedResponse = std::pair<std::weak_ptr<HTTPConnection>, Response>;
-
-  void Accept();
-  void OnAccept(tcp::socket socket);
-  void CheckDeadlines();
-  void WriteQueued();
-  void AcceptPending();
-  void OnStop();
-
-  std::mutex mutex;
-  std::vector<QueuedResponse> queue;
-  asio::io_context context{1};
-  std::unordered_set<std::shared_ptr<HTTPConnection>> connections;
-  tcp::acceptor acceptor{context};
-  tcp::endpoint peer;  // the client accepted last; its socket forgets the address once it has gone
-  asio::steady_timer pause{context};
-  asio::steady_timer end{context};
-  std::chrono::milliseconds stopTimeout{};
-  bool isAccepting = false;
-};
-
-int HTTPServer::Implementation::Listen(const std::string& address, int port) {
+int HTTPServer::Listen(const std::string& address, int port) {
   error_code error;
   const auto ip = asio::ip::make_address(address, error);
   const tcp::endpoint endpoint(ip, static_cast<std::uint16_t>(port));
@@ -86,8 +45,9 @@ int HTTPServer::Implementation::Listen(const std::string& address, int port) {
   return acceptor.local_endpoint().port();
 }
 
-void HTTPServer::Implementation::Accept() {
-  isAccepting = !isStopping && connections.size() < limits.maxConnections;
+void HTTPServer::Accept() {
+  isAccepting =
+      !isStopping && (limits.isOldestReplaced || connections.size() < limits.maxConnections);
   if (!isAccepting) return;
   acceptor.async_accept(peer, [this](error_code error, tcp::socket socket) {
     if (isStopping) return;
@@ -101,7 +61,8 @@ void HTTPServer::Implementation::Accept() {
   });
 }
 
-void HTTPServer::Implementation::OnAccept(tcp::socket socket) {
+void HTTPServer::OnAccept(tcp::socket socket) {
+  if (limits.isOldestReplaced && connections.size() >= limits.maxConnections) CloseOldest();
   const auto connection =
       std::make_shared<HTTPConnection>(*this, std::move(socket), Peer(peer.address()));
   connections.insert(connection);
@@ -109,13 +70,20 @@ void HTTPServer::Implementation::OnAccept(tcp::socket socket) {
   connection->ReadRequest();
 }
 
-void HTTPServer::Implementation::CheckDeadlines() {
+void HTTPServer::CloseOldest() {
+  const auto oldest = std::min_element(
+      connections.begin(), connections.end(),
+      [](const auto& left, const auto& right) { return left->Deadline() < right->Deadline(); });
+  (*oldest)->Close();
+}
+
+void HTTPServer::CheckDeadlines() {
   const auto now = HTTPConnection::Clock::now();
   const bool isFull = connections.size() >= limits.maxConnections;
   for (const auto& connection : connections) connection->CheckDeadline(now, isFull);
 }
 
-void HTTPServer::Implementation::Remove(const std::shared_ptr<HTTPConnection>& connection) {
+void HTTPServer::Remove(const std::shared_ptr<HTTPConnection>& connection) {
   connections.erase(connection);
   count = connections.size();
   if (isStopping && connections.empty()) {
@@ -126,8 +94,7 @@ void HTTPServer::Implementation::Remove(const std::shared_ptr<HTTPConnection>& c
 }
 
 // Responses come from other threads. One wake-up of the serving thread writes all queued ones.
-void HTTPServer::Implementation::Respond(const std::weak_ptr<HTTPConnection>& connection,
-                                         Response response) {
+void HTTPServer::Respond(const std::weak_ptr<HTTPConnection>& connection, Response response) {
   {
     const std::lock_guard lock(mutex);
     queue.emplace_back(connection, std::move(response));
@@ -136,7 +103,7 @@ void HTTPServer::Implementation::Respond(const std::weak_ptr<HTTPConnection>& co
   asio::dispatch(context, [this] { WriteQueued(); });
 }
 
-void HTTPServer::Implementation::WriteQueued() {
+void HTTPServer::WriteQueued() {
   std::vector<QueuedResponse> responses;
   {
     const std::lock_guard lock(mutex);
@@ -147,8 +114,7 @@ void HTTPServer::Implementation::WriteQueued() {
   }
 }
 
-void HTTPServer::Implementation::CallEvery(std::chrono::milliseconds interval,
-                                           std::function<void()> tick) {
+void HTTPServer::CallEvery(std::chrono::milliseconds interval, std::function<void()> tick) {
   const auto timer = std::make_shared<asio::steady_timer>(context);
   auto again = std::make_shared<std::function<void()>>();
   *again = [timer, interval, tick = std::move(tick), weak = std::weak_ptr(again)] {
@@ -161,16 +127,16 @@ void HTTPServer::Implementation::CallEvery(std::chrono::milliseconds interval,
   (*again)();
 }
 
-void HTTPServer::Implementation::Run(std::chrono::milliseconds timeout) {
+void HTTPServer::Run(std::chrono::milliseconds timeout) {
   stopTimeout = timeout;
   context.run();
 }
 
-void HTTPServer::Implementation::Stop() {
+void HTTPServer::Stop() {
   asio::post(context, [this] { OnStop(); });
 }
 
-void HTTPServer::Implementation::OnStop() {
+void HTTPServer::OnStop() {
   if (isStopping) return;
   AcceptPending();
   isStopping = true;
@@ -184,7 +150,7 @@ void HTTPServer::Implementation::OnStop() {
 }
 
 // Accepts the clients that have connected already: their requests are answered, too.
-void HTTPServer::Implementation::AcceptPending() {
+void HTTPServer::AcceptPending() {
   error_code error;
   acceptor.non_blocking(true, error);
   while (!error) {
@@ -194,23 +160,16 @@ void HTTPServer::Implementation::AcceptPending() {
   }
 }
 
-HTTPServer::HTTPServer(HTTPHandlers handlers, HTTPLimits limits)
-    : implementation(std::make_unique<Implementation>(std::move(handlers), std::move(limits))) {}
-
-HTTPServer::~HTTPServer() = default;
-
-int HTTPServer::Listen(const std::string& address, int port) {
-  return implementation->Listen(address, port);
+const std::string& HTTPServer::Date() {
+  const std::time_t now = std::time(nullptr);
+  if (now != dateTime) {
+    char text[64];
+    std::tm parts{};
+    gmtime_r(&now, &parts);
+    date.assign(text, std::strftime(text, sizeof text, "%a, %d %b %Y %H:%M:%S GMT", &parts));
+    dateTime = now;
+  }
+  return date;
 }
-
-void HTTPServer::CallEvery(std::chrono::milliseconds interval, std::function<void()> tick) {
-  implementation->CallEvery(interval, std::move(tick));
-}
-
-void HTTPServer::Run(std::chrono::milliseconds timeout) { implementation->Run(timeout); }
-
-std::size_t HTTPServer::Connections() const { return implementation->count; }
-
-void HTTPServer::Stop() { implementation->Stop(); }
 
 }  // namespace phonebook

@@ -2,11 +2,20 @@
 /// An HTTP server for small requests without side effects and any number of idle connections.
 #pragma once
 
+#include <atomic>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <chrono>
 #include <cstddef>
+#include <ctime>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include "phonebook/http_message.h"
 #include "phonebook/trusted_proxies.h"
@@ -15,7 +24,8 @@ namespace phonebook {
 
 /// What a client may cost.
 struct HTTPLimits {
-  std::size_t maxConnections = 20000;  ///< Further clients wait to be accepted.
+  std::size_t maxConnections = 20000;  ///< Further clients wait to be accepted,
+  bool isOldestReplaced = false;       ///< or replace the one that would be closed first.
   std::size_t maxHeader = 16384;       ///< In bytes, including the request line.
   std::size_t maxTarget = 8192;        ///< In bytes.
   std::size_t maxBody = 8192;          ///< In bytes; a body is discarded.
@@ -40,11 +50,12 @@ struct HTTPHandlers {
   std::function<Response(const Request&, int status, const std::string& cause)> refuse;
 };
 
+class HTTPConnection;
+
 /// Serves all connections on the thread that calls `Run`.
 class HTTPServer {
  public:
   HTTPServer(HTTPHandlers handlers, HTTPLimits limits);
-  ~HTTPServer();
 
   /// Opens the port, any free one for 0, and returns it.
   /// @throws std::runtime_error when the port is not available.
@@ -58,14 +69,44 @@ class HTTPServer {
   void Run(std::chrono::milliseconds timeout);
 
   /// How many clients are connected. May be called from any thread.
-  std::size_t Connections() const;
+  std::size_t Connections() const { return count; }
 
   /// May be called from any thread, also before `Run`.
   void Stop();
 
  private:
-  class Implementation;
-  std::unique_ptr<Implementation> implementation;
+  friend class HTTPConnection;
+  using QueuedResponse = std::pair<std::weak_ptr<HTTPConnection>, Response>;
+
+  void Accept();
+  void OnAccept(boost::asio::ip::tcp::socket socket);
+  void CloseOldest();
+  void CheckDeadlines();
+  void Respond(const std::weak_ptr<HTTPConnection>& connection, Response response);
+  void WriteQueued();
+  void Remove(const std::shared_ptr<HTTPConnection>& connection);
+  const std::string& Date();
+  void AcceptPending();
+  void OnStop();
+
+  const HTTPHandlers handlers;
+  const HTTPLimits limits;
+  std::mutex mutex;
+  std::vector<QueuedResponse> queue;
+  boost::asio::io_context context{1};
+  std::unordered_set<std::shared_ptr<HTTPConnection>> connections;
+  std::atomic<std::size_t> count = 0;  // of connections, for other threads
+  boost::asio::ip::tcp::acceptor acceptor{context};
+  // The client accepted last; its socket forgets the address once it has gone.
+  boost::asio::ip::tcp::endpoint peer;
+  boost::asio::steady_timer pause{context};
+  boost::asio::steady_timer end{context};
+  std::chrono::milliseconds stopTimeout{};
+  bool isAccepting = false;
+  bool isStopping = false;
+  std::size_t unsent = 0;  // bytes of responses being written
+  std::string date;
+  std::time_t dateTime = -1;
 };
 
 }  // namespace phonebook
