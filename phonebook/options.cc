@@ -26,9 +26,10 @@ std::string CheckedHost(std::string& host) {
 }
 
 std::string CheckedAdmin(const std::string& address) {
-  const bool isAddress = address.empty() || (HostNameOf(address) && address.back() != ']' &&
-                                             address.find(':') != address.npos);
-  return isAddress ? "" : "it must be like 127.0.0.1:9480";
+  const auto colon = address.rfind(':');
+  const bool isAddress = HostNameOf(address) && IPAddressOf(address.substr(0, colon)) &&
+                         colon < address.size() - 1 && address.back() != ']';
+  return address.empty() || isAddress ? "" : "it must be like 127.0.0.1:9480";
 }
 
 std::string CheckedProxy(const std::string& network) {

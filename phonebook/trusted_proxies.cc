@@ -4,6 +4,8 @@
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/asio/ip/network_v4.hpp>
 
+#include "phonebook/url.h"
+
 namespace phonebook {
 
 namespace {
@@ -40,11 +42,10 @@ ip::address TrustedProxies::ClientOf(std::string_view forwardedFor,
                                      const ip::address& proxy) const {
   while (!forwardedFor.empty()) {
     const auto comma = forwardedFor.rfind(',');  // npos + 1 is 0
-    boost::system::error_code error;
-    auto address = ip::make_address(
-        boost::algorithm::trim_copy(std::string(forwardedFor.substr(comma + 1))), error);
-    if (error) break;
-    if (!Contains(address)) return address;
+    const auto address =
+        IPAddressOf(boost::algorithm::trim_copy(std::string(forwardedFor.substr(comma + 1))));
+    if (!address) break;
+    if (!Contains(*address)) return *address;
     forwardedFor = forwardedFor.substr(0, comma == forwardedFor.npos ? 0 : comma);
   }
   return proxy;

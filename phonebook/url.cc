@@ -174,6 +174,18 @@ std::optional<std::string> HostNameOf(const std::string& host) {
   return IsPort(host, end) && IsHostName(name) ? std::optional(name) : std::nullopt;
 }
 
+std::optional<boost::asio::ip::address> IPAddressOf(const std::string& host) {
+  boost::system::error_code error;
+  auto address = boost::asio::ip::make_address(host, error);
+  if (error) {
+    const std::string name = HostNameOf(host).value_or("");
+    const bool isBracketed = !name.empty() && name.front() == '[';
+    address =
+        boost::asio::ip::make_address(isBracketed ? name.substr(1, name.size() - 2) : name, error);
+  }
+  return error ? std::nullopt : std::optional(address);
+}
+
 std::optional<std::string> NormalizeBaseURL(const std::string& text) {
   const URL url(text);
   if (!url.IsHTTP() || url.HasQueryOrFragment()) return std::nullopt;

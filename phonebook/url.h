@@ -2,6 +2,7 @@
 /// URLs of requests and options, parsed by uriparser.
 #pragma once
 
+#include <boost/asio/ip/address.hpp>
 #include <map>
 #include <optional>
 #include <string>
@@ -28,6 +29,10 @@ std::optional<RequestTarget> ParseRequestTarget(const std::string& target);
 /// spelling.
 /// @return nothing when `host` is malformed.
 std::optional<std::string> HostNameOf(const std::string& host);
+
+/// The IP address in a host, without the port: "192.0.2.1:80", "[::1]:80" or "::1".
+/// @return nothing when `host` is no IP address.
+std::optional<boost::asio::ip::address> IPAddressOf(const std::string& host);
 
 /// The URL of a server without slashes at its end, so that paths can follow.
 /// @return nothing unless it is an HTTP(S) URL of a host and possibly a path.
