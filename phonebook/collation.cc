@@ -41,9 +41,11 @@ icu::UnicodeString Unicode(std::string_view text) {
   return icu::UnicodeString::fromUTF8({text.data(), static_cast<int32_t>(text.size())});
 }
 
-std::string UTF8(const icu::UnicodeString& text) {
-  std::string utf8;
-  return text.toUTF8String(utf8);
+// The characters of a text that count.
+icu::UnicodeString Beginning(std::string_view text) {
+  icu::UnicodeString beginning = Unicode(text.substr(0, std::size_t{4} * kMaxKeyCharacters));
+  beginning.truncate(beginning.moveIndex32(0, kMaxKeyCharacters));
+  return beginning;
 }
 
 // A key of bytes as text: each byte becomes the character of that number, which keeps the order of
@@ -95,7 +97,7 @@ icu::UnicodeString InWrittenOrder(const icu::UnicodeString& word) {
 }
 
 std::vector<icu::UnicodeString> WordsOf(std::string_view text) {
-  const icu::UnicodeString all = Compatible(Unicode(TruncateToCharacters(text, kMaxKeyCharacters)));
+  const icu::UnicodeString all = Compatible(Beginning(text));
   std::vector<icu::UnicodeString> words;
   for (int32_t begin = 0, end = 0; begin < all.length(); begin = all.moveIndex32(end, 1)) {
     for (end = begin; end < all.length() && IsInWord(all.char32At(end));) {
@@ -127,7 +129,8 @@ std::string LabelOf(UChar32 character, const std::string& collationKey) {
   // ı.
   for (const auto& candidate : {decomposing->normalize(capital, error), capital, letter}) {
     ThrowOnFailure(error);
-    std::string label = TruncateToCharacters(UTF8(candidate), 1);
+    std::string label;
+    icu::UnicodeString(candidate.char32At(0)).toUTF8String(label);
     const std::string key = PrefixKey(label);
     if (!IsPlainText(label) || key.empty() || collationKey.compare(0, key.size(), key) != 0)
       continue;
@@ -142,7 +145,7 @@ std::string LabelOf(UChar32 character, const std::string& collationKey) {
 }  // namespace
 
 std::string CollationKey(std::string_view name) {
-  return KeyOf(Unicode(TruncateToCharacters(name, kMaxKeyCharacters)), icu::Collator::TERTIARY);
+  return KeyOf(Beginning(name), icu::Collator::TERTIARY);
 }
 
 std::string PrefixKey(std::string_view text) {
@@ -177,7 +180,7 @@ std::set<std::string> TypedWordKeys(std::string_view text) {
 Letter LetterOf(std::string_view name, const std::string& collationKey) {
   // The first character need not be the letter: collation reorders some behind the next one.
   constexpr int32_t kExamined = 5;
-  icu::UnicodeString start = WithoutIgnored(Unicode(TruncateToCharacters(name, kMaxKeyCharacters)));
+  icu::UnicodeString start = WithoutIgnored(Beginning(name));
   start.truncate(start.moveIndex32(0, kExamined));
   // Some characters are letters, but their compatible ones are not, such as ῭.
   for (icu::UnicodeString text : {Compatible(start), start}) {

@@ -29,9 +29,10 @@ using teleform::screens::SoftKey;
 using teleform::screens::SoftKeyRole;
 using teleform::screens::Text;
 
-constexpr std::size_t kMaxSearchCharacters = 64;
+constexpr int kMaxSearchCharacters = 64;
 constexpr std::size_t kMaxNoticeLines = 100;  // each is an entry on phones of Cisco and Yealink
 constexpr const char* kEmptyTitle = Marked("Nobody is in the phone book");
+constexpr const char* kNoPosition = Marked("A page begins after or before a contact.");
 
 std::string PageURI(const PageRequest& request, const std::string& page) {
   return HomeURI(request.base, request.maker) + page;
@@ -76,14 +77,20 @@ struct PageParam {
   std::string position;
 };
 std::optional<PageParam> PageParamOf(const PageRequest& request) {
-  if (request.params.count("after") > 0) return PageParam{true, ParamOf(request, "after")};
-  if (request.params.count("before") > 0) return PageParam{false, ParamOf(request, "before")};
+  for (const char* name : {"after", "before"}) {
+    const auto param = request.params.find(name);
+    if (param == request.params.end()) continue;
+    if (!IsUTF8(param->second)) throw HTTPError(400, kNoPosition);
+    return PageParam{*name == 'a', param->second};
+  }
   return std::nullopt;
 }
 
-// The position of a contact: its id and as much of its name as its collation key covers.
+// The position of a contact: its id and as much of its name as its collation key covers. No
+// position holds a NUL.
 std::string PositionOf(const ListedContact& contact) {
-  return std::to_string(contact.id) + "-" + TruncateToCharacters(contact.name, kMaxKeyCharacters);
+  return std::to_string(contact.id) + "-" +
+         TruncateToCharacters(contact.name.c_str(), kMaxKeyCharacters);
 }
 
 std::optional<Cursor> ParsePosition(const PageParam& param) {
@@ -97,7 +104,7 @@ Cursor CursorOf(const PageRequest& request) {
   const auto param = PageParamOf(request);
   if (!param) return {};
   const auto cursor = ParsePosition(*param);
-  if (!cursor) throw HTTPError(400, Marked("A page begins after or before a contact."));
+  if (!cursor) throw HTTPError(400, kNoPosition);
   return *cursor;
 }
 

@@ -4,14 +4,15 @@
 #include <unicode/unistr.h>
 #include <unicode/ustring.h>
 
-#include <algorithm>
 #include <cstdint>
 
 namespace phonebook {
 
 namespace {
 
-bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
+icu::UnicodeString Unicode(std::string_view text) {
+  return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
+}
 
 bool IsPlain(UChar32 character) {
   return !u_isISOControl(character) && character != 0xFFFE && character != 0xFFFF;
@@ -26,27 +27,20 @@ bool IsUTF8(std::string_view text) {
 }
 
 bool IsPlainText(std::string_view text) {
-  if (!IsUTF8(text)) return false;
-  const auto characters =
-      icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
+  const auto characters = Unicode(text);
   for (std::int32_t at = 0; at < characters.length(); at = characters.moveIndex32(at, 1)) {
     if (!IsPlain(characters.char32At(at))) return false;
   }
-  return true;
+  return IsUTF8(text);
 }
 
-std::size_t CountCharacters(std::string_view text) {
-  return text.size() -
-         static_cast<std::size_t>(std::count_if(text.begin(), text.end(), IsContinuation));
-}
+int CountCharacters(std::string_view text) { return Unicode(text).countChar32(); }
 
 std::string TruncateToCharacters(std::string_view text, int count) {
-  text = text.substr(0, 4 * static_cast<std::size_t>(count));  // bounds malformed UTF-8
-  std::size_t end = 0;
-  for (; end < text.size(); ++end) {
-    if (!IsContinuation(text[end]) && count-- == 0) break;
-  }
-  return std::string(text.substr(0, end));
+  auto characters = Unicode(text.substr(0, 4 * static_cast<std::size_t>(count)));
+  characters.truncate(characters.moveIndex32(0, count));
+  std::string truncated;
+  return characters.toUTF8String(truncated);
 }
 
 }  // namespace phonebook

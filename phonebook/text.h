@@ -2,7 +2,6 @@
 /// Validation, counting and truncation of text in UTF-8, by ICU.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -15,11 +14,10 @@ bool IsUTF8(std::string_view text);
 /// forbids.
 bool IsPlainText(std::string_view text);
 
-/// The number of characters in `text`, which must be well-formed UTF-8.
-std::size_t CountCharacters(std::string_view text);
+/// The number of characters in `text`.
+int CountCharacters(std::string_view text);
 
-/// The first `count` characters of `text`, and no more than four bytes for each, as malformed UTF-8
-/// may have.
+/// The first `count` characters of `text`. U+FFFD replaces malformed UTF-8.
 std::string TruncateToCharacters(std::string_view text, int count);
 
 }  // namespace phonebook
