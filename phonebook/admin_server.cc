@@ -1,67 +1,105 @@
 #include "phonebook/admin_server.h"
 
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <systemd/sd-daemon.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <string_view>
 #include <utility>
+
+#include "phonebook/url.h"
 
 namespace phonebook {
 
 namespace {
 
-constexpr std::size_t kMaxConnections = 100;
+// Half-sent requests must not keep a monitor waiting.
+HTTPLimits Limits() {
+  HTTPLimits limits{100};
+  limits.isOldestReplaced = true;
+  return limits;
+}
 
 Response MakeResponse(int status, std::string body) {
   return {status, "text/plain; charset=utf-8", std::move(body), {{"Cache-Control", "no-store"}}};
 }
 
-Response Answer(const AdminHandlers& handlers, const Request& request) {
-  if (request.method != "GET" && request.method != "HEAD") return MakeResponse(405, "Only GET\n");
-  if (request.target == "/health") {
-    const std::string failure = handlers.failure();
-    return failure.empty() ? MakeResponse(200, "OK\n") : MakeResponse(503, failure + "\n");
-  }
-  if (request.target != "/metrics") return MakeResponse(404, "There are /health and /metrics.\n");
-  Response response = MakeResponse(200, handlers.metrics());
-  response.type = "text/plain; version=0.0.4; charset=utf-8";
-  return response;
+// Sends a message to systemd. sd_notify() would wait while nobody reads the socket.
+// @return false when there is no room for it.
+bool Notify(std::string_view message) {
+  const char* const socketName = std::getenv("NOTIFY_SOCKET");
+  const std::string_view name = socketName == nullptr ? "" : socketName;
+  sockaddr_un address{};
+  if (name.empty() || name.size() > sizeof address.sun_path) return true;
+  address.sun_family = AF_UNIX;
+  name.copy(address.sun_path, name.size());
+  if (name.front() == '@') address.sun_path[0] = '\0';  // an abstract one
+  const int file = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
+  const bool isSent = sendto(file, message.data(), message.size(), MSG_DONTWAIT | MSG_NOSIGNAL,
+                             reinterpret_cast<const sockaddr*>(&address), size) >= 0;
+  close(file);
+  return isSent;
 }
 
 }  // namespace
 
-AdminServer::AdminServer(const std::string& theAddress, AdminHandlers handlers,
-                         std::function<bool()> isServing)
-    : http({[handlers = std::move(handlers)](const Request& request, const ResponseCallback& done) {
-              done(Answer(handlers, request));
-            },
+AdminServer::AdminServer(const std::string& theAddress, std::vector<std::string> theHosts,
+                         Server& server)
+    : hosts(std::move(theHosts)),
+      phoneBook(server),
+      http({[this](const Request& request, const ResponseCallback& done) { done(Serve(request)); },
             [](const Request&, int status, const std::string&) {
               return MakeResponse(status, "Not understood\n");
             }},
-           {kMaxConnections}) {
+           Limits()) {
   if (!theAddress.empty()) {
     const auto colon = theAddress.rfind(':');
-    const std::string host = theAddress.substr(0, colon);
-    const bool isBracketed = host.size() > 1 && host.front() == '[';
-    const int port = http.Listen(isBracketed ? host.substr(1, host.size() - 2) : host,
-                                 std::atoi(theAddress.substr(colon + 1).c_str()));
-    address = host + ":" + std::to_string(port);
+    const auto ip = IPAddressOf(theAddress.substr(0, colon)).value();
+    const int port = http.Listen(ip.to_string(), std::stoi(theAddress.substr(colon + 1)));
+    address = theAddress.substr(0, colon + 1) + std::to_string(port);
   }
-  std::uint64_t interval = 0;  // in microseconds
-  if (sd_watchdog_enabled(0, &interval) > 0) {
-    http.CallEvery(std::chrono::milliseconds(interval / 3000), [isServing = std::move(isServing)] {
-      if (isServing()) sd_notify(0, "WATCHDOG=1");
-    });
-  }
+  std::uint64_t timeout = 0;  // in microseconds
+  const bool hasWatchdog = sd_watchdog_enabled(0, &timeout) > 0;
+  const auto interval = std::clamp<std::uint64_t>(hasWatchdog ? timeout / 3000 : 1000, 10, 3600000);
+  isReadySent = Notify("READY=1");
+  http.CallEvery(std::chrono::milliseconds(interval), [this, hasWatchdog] {
+    if (!isReadySent) isReadySent = Notify("READY=1");  // systemd waits for it
+    if (hasWatchdog && phoneBook.IsServing()) Notify("WATCHDOG=1");
+  });
   thread = std::thread([this] { http.Run({}); });
-  sd_notify(0, "READY=1");
 }
 
 AdminServer::~AdminServer() {
-  sd_notify(0, "STOPPING=1");
+  Notify("STOPPING=1");
   http.Stop();
   thread.join();
+}
+
+Response AdminServer::Serve(const Request& request) const {
+  if (request.method != "GET" && request.method != "HEAD") return MakeResponse(405, "Only GET\n");
+  if (!IsOwnHost(request.host)) return MakeResponse(421, "Not a host of the phone book\n");
+  if (request.target == "/health") {
+    const std::string failure = phoneBook.Failure();
+    return failure.empty() ? MakeResponse(200, "OK\n") : MakeResponse(503, failure + "\n");
+  }
+  if (request.target != "/metrics") return MakeResponse(404, "There are /health and /metrics.\n");
+  Response response = MakeResponse(200, phoneBook.MetricsText());
+  response.type = "text/plain; version=0.0.4; charset=utf-8";
+  return response;
+}
+
+// Whether no other site can lead browsers here by this name. HTTP/1.0 doesn't always have one.
+bool AdminServer::IsOwnHost(const std::string& host) const {
+  const auto name = HostNameOf(host);
+  return host.empty() || name == "localhost" || IPAddressOf(host) ||
+         std::find(hosts.begin(), hosts.end(), name) != hosts.end();
 }
 
 }  // namespace phonebook

@@ -3,27 +3,24 @@
 /// notifications to systemd.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "phonebook/http_server.h"
+#include "phonebook/server.h"
 
 namespace phonebook {
 
-/// What the server tells about itself. Neither function may wait for the database or the network.
-struct AdminHandlers {
-  std::function<std::string()> failure;  ///< Why it can't serve pages; empty if it can.
-  std::function<std::string()> metrics;  ///< In the text format of Prometheus.
-};
-
 /// Serves while it exists. Tells systemd that the phone book is ready, stops, and is alive, the
-/// last as often as its unit asks for and as long as `isServing` returns true.
+/// last as often as its unit asks for and as long as the server is serving.
 class AdminServer {
  public:
   /// @param address IP address and port, such as "127.0.0.1:9480"; empty for none.
+  /// @param hosts what a Host field may name besides IP addresses and localhost, as `HostNameOf`
+  /// returns it.
   /// @throws std::runtime_error when the port is not available.
-  AdminServer(const std::string& address, AdminHandlers handlers, std::function<bool()> isServing);
+  AdminServer(const std::string& address, std::vector<std::string> hosts, Server& server);
   ~AdminServer();
   AdminServer(const AdminServer&) = delete;
   AdminServer& operator=(const AdminServer&) = delete;
@@ -32,7 +29,13 @@ class AdminServer {
   const std::string& Address() const { return address; }
 
  private:
+  Response Serve(const Request& request) const;
+  bool IsOwnHost(const std::string& host) const;
+
   std::string address;
+  const std::vector<std::string> hosts;
+  Server& phoneBook;
+  bool isReadySent = false;
   HTTPServer http;
   std::thread thread;
 };

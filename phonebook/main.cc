@@ -150,11 +150,8 @@ int Serve(Options& options, Signals& signals) {
   phonebook::Server server(options.database, options.server);
   const std::string host = server.Listen();
   if (!CreateOrOpen(options, signals)) return Stopped();
-  std::optional<phonebook::AdminServer> admin(
-      std::in_place, options.admin,
-      phonebook::AdminHandlers{[&] { return server.Failure(); },
-                               [&] { return server.MetricsText(); }},
-      [&] { return server.IsServing(); });
+  std::optional<phonebook::AdminServer> admin(std::in_place, options.admin, options.server.hosts,
+                                              server);
   PrintAddresses(host, admin->Address(), !options.server.isPreviewOff);
   const auto stopping = signals.OnStop([&] { server.Stop(); });
   const bool hasEnded = server.Run();

@@ -79,16 +79,24 @@ TEST_P(PhoneBookOnPostgreSQL, TimesOutWhenTheDatabaseHangs) {
 TEST_P(PhoneBook, TellsMonitorsAndSystemdHowItIs) {
   boost::asio::io_context context;
   const fs::path path = directory.path / "notify";
-  boost::asio::local::datagram_protocol::socket systemd(context, path.string());
+  using boost::asio::local::datagram_protocol;
+  datagram_protocol::socket systemd(context, path.string());
+  datagram_protocol::socket others(context, datagram_protocol());
   fcntl(systemd.native_handle(), F_SETFD, FD_CLOEXEC);
+  others.non_blocking(true);
+  boost::system::error_code full;
+  while (!full) others.send_to(boost::asio::buffer("other"), path.string(), 0, full);
   setenv("NOTIFY_SOCKET", path.c_str(), 1);
   setenv("WATCHDOG_USEC", "300000", 1);
   const auto server = Serve();
   unsetenv("NOTIFY_SOCKET");
   unsetenv("WATCHDOG_USEC");
   for (const std::string expected : {"READY=1", "WATCHDOG=1", "WATCHDOG=1"}) {
-    std::string told(expected.size(), ' ');
-    systemd.receive(boost::asio::buffer(told));
+    std::string told;
+    do {
+      told.assign(20, ' ');
+      told.resize(systemd.receive(boost::asio::buffer(told)));
+    } while (told[0] == 'o');
     EXPECT_EQ(told, expected);
   }
   systemd.close();

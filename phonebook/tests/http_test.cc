@@ -3,7 +3,6 @@
 
 #include <boost/asio/ip/tcp.hpp>
 #include <list>
-#include <map>
 #include <memory>
 #include <optional>
 #include <regex>
@@ -25,7 +24,8 @@ TEST_P(PhoneBookOnSQLite, BelievesTrustedProxiesAlone) {
   const std::vector<std::pair<std::string, std::string>> clients = {
       {"192.0.2.7", "192.0.2.7"},
       {"198.51.100.1, 192.0.2.8,10.1.2.3 ", "192.0.2.8"},
-      {"192.0.2.9, 2001:db8::1", "2001:db8::1"},
+      {"192.0.2.9:80, 2001:db8::1", "2001:db8::1"},
+      {"[2001:db8::2]:80, 10.0.0.1:80", "2001:db8::2"},
       {"192.0.2.9, unknown, 10.0.0.1", "127.0.0.1"},
       {"192.0.2.10\r\nX-Forwarded-For: 192.0.2.11", "192.0.2.11"},
       {"10.0.0.1", "127.0.0.1"}};
@@ -109,6 +109,7 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
       {"GET /snom/contact/99999999999999999999" + end + "\r\n", {"404"}, "not in the phone book"},
       {"GET /snom/dial/x" + end + "\r\n", {"404"}, "not in the phone book"},
       {"GET /snom/directory?after=x" + end + "\r\n", {"400"}, "begins after"},
+      {"GET /snom/directory?after=1-%00" + end + "\r\n", {"400"}, "begins after"},
       {"GET /snom/directory?after=0-%E9%BE%A5" + end + "\r\n", {"404"}, "beyond the last"},
       {"GET /yealink/search?after=%E9%BE%A5" + end + "\r\n", {"404"}, "beyond the last"},
       {"GET /snom/search?name=" + tooLong + end + "\r\n", {"400"}, "64 characters"},
@@ -156,11 +157,17 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
 TEST_P(PhoneBookOnSQLite, AnswersOnlyToItsHosts) {
   const auto server = Serve({"--host", "Phones.example", "--host", "0:0::1"});
   EXPECT_EQ(server->base.find("http://phones.example:"), 0U);
-  const std::map<std::string, int> statuses = {{"phones.EXAMPLE.:80", 200},
-                                               {"[::1]", 200},
-                                               {"127.0.0.1", 421},
-                                               {"evil.phones.example", 421}};
-  for (const auto& [host, status] : statuses) {
+  struct Case {
+    std::string host;
+    int status, monitored;
+  };
+  const std::vector<Case> cases = {{"phones.EXAMPLE.:80", 200, 200},
+                                   {"[::1]", 200, 200},
+                                   {"127.0.0.1", 421, 200},
+                                   {"localhost:80", 421, 200},
+                                   {"evil.phones.example", 421, 421}};
+  for (const auto& [host, status, monitored] : cases) {
+    EXPECT_EQ(server->GetAsMonitor("/metrics", host).status, monitored) << host;
     const auto response =
         ParseResponse(server->Exchange("GET /snom/ HTTP/1.0\r\nHost: " + host + "\r\n\r\n"));
     EXPECT_EQ(response.status, status) << host;
@@ -219,6 +226,7 @@ class HTTPServerInThread : public testing::Test {
   }
   int Get() const {
     tcp::iostream stream("127.0.0.1", port);
+    stream.expires_after(std::chrono::seconds(30));
     stream << "GET / HTTP/1.0\r\n\r\n" << std::flush;
     return ParseResponse(ReadAll(stream)).status;
   }
@@ -236,6 +244,17 @@ TEST_F(HTTPServerInThread, ClosesIdleConnectionsWhenItIsFull) {
   Start(limits);
   std::list<tcp::iostream> idle;
   for (int i = 0; i < 4; ++i) idle.emplace_back("127.0.0.1", port);
+  EXPECT_EQ(Get(), 200);
+}
+
+TEST_F(HTTPServerInThread, ReplacesItsOldestConnection) {
+  HTTPLimits limits;
+  limits.maxConnections = 2;
+  limits.isOldestReplaced = true;
+  limits.requestTimeout = std::chrono::hours(1);
+  Start(limits);
+  std::list<tcp::iostream> halves;
+  for (int i = 0; i < 4; ++i) halves.emplace_back("127.0.0.1", port) << "GET /" << std::flush;
   EXPECT_EQ(Get(), 200);
 }
 

@@ -151,12 +151,13 @@ class ServerProcess : boost::noncopyable {
   }
 
   /// What a monitor gets, of its own address.
-  HTTPResponse GetAsMonitor(const std::string& path) {
+  HTTPResponse GetAsMonitor(const std::string& path, const std::string& host = "localhost") {
     const std::string said = ContentOf(log), address = "for a monitor, http://127.0.0.1:";
     const std::string own = port;
     port = said.substr(said.find(address) + address.size());
     port.resize(port.find('/'));
-    auto response = ParseResponse(Exchange("GET " + path + " HTTP/1.0\r\n\r\n"));
+    auto response =
+        ParseResponse(Exchange("GET " + path + " HTTP/1.0\r\nHost: " + host + "\r\n\r\n"));
     port = own;
     return response;
   }

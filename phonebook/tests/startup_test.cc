@@ -122,7 +122,8 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
       {{"--config", file("typo.conf", "prot = 8080\n")}, "prot"},
       {{"--config", file("bad.conf", "region = Germany\n")}, "a country such as DE"},
       {{"--trusted-proxy", "192.0.2.0/33"}, "it must be like 192.0.2.1"},
-      {{"--admin-address", "somewhere"}, "it must be like 127.0.0.1"},
+      {{"--admin-address", "somewhere:1"}, "it must be like 127.0.0.1"},
+      {{"--admin-address", "127.0.0.1:"}, "it must be like 127.0.0.1"},
       {{"--host", "phone_book.example"}, "it must be a host name"},
       {{"--base-url", "ftp://phonebook.example"}, "it must be like http://"},
   };
