@@ -5,62 +5,40 @@
 #include <sys/resource.h>
 
 #include <algorithm>
-#include <array>
 #include <boost/asio/buffer.hpp>
-#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/steady_timer.hpp>
+#include <chrono>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <list>
 #include <string_view>
+#include <thread>
 
 namespace {
 
 using boost::asio::ip::tcp;
-using boost::system::error_code;
 
-class SlowClient {
- public:
-  SlowClient(boost::asio::io_context& context, tcp::endpoint theServer)
-      : server(std::move(theServer)), socket(context), timer(context) {
-    Connect();
-  }
-
- private:
-  void Connect() {
-    error_code ignored;
-    socket.close(ignored);
-    sent = 0;
-    socket.async_connect(server, [this](error_code) { SendByte(); });
-  }
-  void SendByte() {
-    constexpr std::string_view kRequest = "GET /snom/directory HTTP/1.1\r\nX: xxxxxxxxxxxxxxxxxx";
-    constexpr std::chrono::milliseconds kPause(200);
-    error_code error;
-    socket.send(boost::asio::buffer(&kRequest[sent], 1), 0, error);
-    sent = std::min(sent + 1, kRequest.size() - 1);
-    timer.expires_after(kPause);
-    timer.async_wait([this, error](error_code) {
-      if (error) {
-        Connect();
-      } else {
-        SendByte();
-      }
-    });
-  }
-
-  tcp::endpoint server;
+struct SlowClient {
   tcp::socket socket;
-  boost::asio::steady_timer timer;
   std::size_t sent = 0;
 };
+
+void SendByte(SlowClient& client, const tcp::endpoint& server) {
+  constexpr std::string_view kRequest = "GET /snom/directory HTTP/1.1\r\nX: xxxxxxxxxxxxxxxxxx";
+  boost::system::error_code error;
+  client.socket.send(boost::asio::buffer(&kRequest[client.sent], 1), 0, error);
+  client.sent = std::min(client.sent + 1, kRequest.size() - 1);
+  if (!error) return;
+  client = {tcp::socket(client.socket.get_executor())};
+  client.socket.connect(server, error);
+}
 
 }  // namespace
 
 int main(int argc, char** argv) try {
+  constexpr std::chrono::milliseconds kPause(200);
   if (argc != 4) return EXIT_FAILURE;
   rlimit files{};
   getrlimit(RLIMIT_NOFILE, &files);
@@ -72,10 +50,11 @@ int main(int argc, char** argv) try {
   std::list<tcp::socket> idle;
   for (int i = 0; i < std::atoi(argv[2]); ++i) idle.emplace_back(context).connect(server);
   std::list<SlowClient> slow;
-  for (int i = 0; i < std::atoi(argv[3]); ++i) slow.emplace_back(context, server);
-  const auto keepRunning = boost::asio::make_work_guard(context);
+  for (int i = 0; i < std::atoi(argv[3]); ++i) slow.push_back({tcp::socket(context)});
   std::cout << "connected\n" << std::flush;
-  context.run();
+  for (;; std::this_thread::sleep_for(kPause)) {
+    for (auto& client : slow) SendByte(client, server);
+  }
 } catch (const std::exception& error) {
   std::cerr << error.what() << "\n";
   return EXIT_FAILURE;
