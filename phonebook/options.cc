@@ -12,38 +12,38 @@ namespace phonebook {
 
 namespace {
 
-std::string CheckedBaseURL(std::string& url) {
-  const auto normalized = NormalizeBaseURL(url);
-  url = normalized.value_or(url);
-  return normalized ? "" : "it must be like http://phonebook.example:8080";
+// Replaces a value by its normalized form, or refuses it.
+CLI::Validator Normalized(std::optional<std::string> (*normalize)(const std::string&),
+                          const char* expected) {
+  return {[normalize, expected](std::string& text) -> std::string {
+            const auto normalized = normalize(text);
+            text = normalized.value_or(text);
+            return normalized ? "" : expected;
+          },
+          ""};
 }
 
-std::string CheckedHost(std::string& host) {
+std::optional<std::string> NormalizeHost(const std::string& host) {
   const bool isBareIPv6 = std::count(host.begin(), host.end(), ':') > 1 && host.front() != '[';
-  const auto name = HostNameOf(isBareIPv6 ? "[" + host + "]" : host);
-  host = name.value_or(host);
-  return name ? "" : "it must be a host name or IP address";
+  return HostNameOf(isBareIPv6 ? "[" + host + "]" : host);
 }
 
-std::string CheckedAdmin(const std::string& address) {
+std::optional<std::string> CheckAdminAddress(const std::string& address) {
   const auto colon = address.rfind(':');
   const bool isAddress = HostNameOf(address) && IPAddressOf(address.substr(0, colon)) &&
                          colon < address.size() - 1 && address.back() != ']';
-  return address.empty() || isAddress ? "" : "it must be like 127.0.0.1:9480";
+  return address.empty() || isAddress ? std::optional(address) : std::nullopt;
 }
 
-std::string CheckedProxy(const std::string& network) {
-  try {
-    const TrustedProxies proxies({network});
-    return "";
-  } catch (const std::exception&) {
-    return "it must be like 192.0.2.1 or 192.0.2.0/24";
-  }
+std::optional<std::string> CheckProxy(const std::string& network) try {
+  const TrustedProxies proxies({network});
+  return network;
+} catch (const std::exception&) {
+  return std::nullopt;
 }
 
-std::string CheckedRegion(std::string& region) {
-  const bool isValid = region.empty() || IsRegion(region);
-  return isValid ? "" : "it must be a country such as DE";
+std::optional<std::string> CheckRegion(const std::string& region) {
+  return region.empty() || IsRegion(region) ? std::optional(region) : std::nullopt;
 }
 
 void AddOptions(CLI::App& app, Options& options) {
@@ -58,7 +58,7 @@ void AddOptions(CLI::App& app, Options& options) {
       ->check(CLI::Range(0, 65535));
   app.add_option("--admin-address", options.admin,
                  "IP address and port of /health and /metrics; none if empty")
-      ->check(CheckedAdmin);
+      ->transform(Normalized(CheckAdminAddress, "it must be like 127.0.0.1:9480"));
   app.add_option("--max-connections", server.maxConnections, "open connections of clients")
       ->check(CLI::Range(1, 1000000));
   app.add_option("--database", options.database, "SQLite file, or postgresql://user@host/database");
@@ -67,18 +67,18 @@ void AddOptions(CLI::App& app, Options& options) {
       ->check(CLI::Range(1, 1000));
   app.add_option("--base-url", server.baseURL,
                  "beginning of all links; if empty, the host of the request")
-      ->transform(CLI::Validator(CheckedBaseURL, ""));
+      ->transform(Normalized(NormalizeBaseURL, "it must be like http://phonebook.example:8080"));
   app.add_option("--host", server.hosts,
                  "host name or IP address that requests may name, repeatable; any if none")
-      ->transform(CLI::Validator(CheckedHost, ""));
+      ->transform(Normalized(NormalizeHost, "it must be a host name or IP address"));
   app.add_option("--trusted-proxy", server.proxies,
                  "IP address or network of a proxy that tells its clients, repeatable")
-      ->check(CheckedProxy);
+      ->transform(Normalized(CheckProxy, "it must be like 192.0.2.1 or 192.0.2.0/24"));
   app.add_option("--language", options.language, "language of the pages")
       ->check(CLI::IsMember(Languages()));
   app.add_option("--region", server.pages.region,
                  "country of numbers without one, such as DE; none if empty")
-      ->transform(CLI::Validator(CheckedRegion, ""));
+      ->transform(Normalized(CheckRegion, "it must be a country such as DE"));
   app.add_flag("--no-preview", server.isPreviewOff, "serve no preview at /preview");
   app.add_option("--contacts", options.contacts,
                  "file to import into a new database; if empty, sample contacts")
