@@ -30,16 +30,9 @@ bool IsJournal() {
          stream == std::to_string(file.st_dev) + ":" + std::to_string(file.st_ino);
 }
 
-spdlog::level::level_enum LevelOf(Severity severity) {
-  return severity == Severity::kError     ? spdlog::level::err
-         : severity == Severity::kWarning ? spdlog::level::warn
-                                          : spdlog::level::info;
-}
-
-Severity SeverityOf(spdlog::level::level_enum level) {
-  return level == spdlog::level::err    ? Severity::kError
-         : level == spdlog::level::warn ? Severity::kWarning
-                                        : Severity::kInfo;
+// The level as the journal numbers it.
+const char* JournalPrefix(spdlog::level::level_enum level) {
+  return level == spdlog::level::err ? "<3>" : level == spdlog::level::warn ? "<4>" : "<6>";
 }
 
 // Writes lines to stderr, and drops one that stderr doesn't take in time.
@@ -77,9 +70,7 @@ class StderrSink : public spdlog::sinks::base_sink<spdlog::details::null_mutex> 
     spdlog::memory_buf_t line;
     formatter_->format(message, line);
     std::string text(isPartial ? "\n" : "");
-    if (isJournal) {
-      text += "<" + std::to_string(static_cast<int>(SeverityOf(message.level))) + ">";
-    }
+    if (isJournal) text += JournalPrefix(message.level);
     text.append(line.data(), line.size());
     return Write(text);
   }
@@ -111,9 +102,9 @@ struct AsyncLog {
   static constexpr std::size_t kMaxQueue = 1024;
 
   AsyncLog() { sink->pool = pool.get(); }
-  void Add(Severity severity, std::string_view text) {
+  void Add(spdlog::level::level_enum level, std::string_view text) {
     ++added;
-    logger->log(LevelOf(severity), spdlog::string_view_t(text.data(), text.size()));
+    logger->log(level, spdlog::string_view_t(text.data(), text.size()));
   }
 
   const std::shared_ptr<StderrSink> sink = std::make_shared<StderrSink>();
@@ -146,21 +137,21 @@ void StartLog() {
   if (asyncLog == nullptr) asyncLog = new AsyncLog;
 }
 
-void Log(Severity severity, std::string_view line) {
+void Log(spdlog::level::level_enum level, std::string_view line) {
   const std::string text = Cleaned(line);
   if (AsyncLog* const log = asyncLog) {
-    log->Add(severity, text);
+    log->Add(level, text);
   } else {
-    StderrSink().log({"", LevelOf(severity), text});
+    StderrSink().log({"", level, text});
   }
 }
 
-void LogRequest(Severity severity, const std::string& client, std::string_view line) {
+void LogRequest(spdlog::level::level_enum level, const std::string& client, std::string_view line) {
   if (AsyncLog* const log = asyncLog) {
     const std::lock_guard lock(log->mutex);
     if (!log->limit.Admit(client)) return;
   }
-  Log(severity, line);
+  Log(level, line);
 }
 
 void LogOmitted() {
@@ -170,10 +161,10 @@ void LogOmitted() {
   const auto omitted = log->limit.Reset();
   lock.unlock();
   for (const auto& [client, count] : omitted) {
-    Log(Severity::kWarning,
+    Log(spdlog::level::warn,
         std::to_string(count) + " more requests from " + client + " were refused in a second");
   }
-  if (log->sink->Dropped() > 0) log->Add(Severity::kInfo, "");
+  if (log->sink->Dropped() > 0) log->Add(spdlog::level::info, "");
 }
 
 void FlushLog(std::chrono::milliseconds timeout) {

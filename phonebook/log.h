@@ -3,6 +3,8 @@
 /// nobody else waits for a slow reader.
 #pragma once
 
+#include <spdlog/common.h>
+
 #include <chrono>
 #include <cstddef>
 #include <string>
@@ -13,19 +15,16 @@
 
 namespace phonebook {
 
-/// Numbered as in the journal.
-enum class Severity { kError = 3, kWarning = 4, kInfo = 6 };
-
 /// Starts the thread. Lines logged before are written at once.
 /// @throws std::system_error when the thread can't be created.
 void StartLog();
 
 /// Logs a line, of which at most 1 KiB is written. Control characters become spaces. Lines that
 /// exceed the queue are dropped and counted. May be called from any thread; never waits.
-void Log(Severity severity, std::string_view line);
+void Log(spdlog::level::level_enum level, std::string_view line);
 
 /// Logs a line about a request, unless there are too many from its client in this second.
-void LogRequest(Severity severity, const std::string& client, std::string_view line);
+void LogRequest(spdlog::level::level_enum level, const std::string& client, std::string_view line);
 
 /// Logs how many lines have been dropped or exceeded the limit of a client. Call it every second.
 void LogOmitted();

@@ -64,7 +64,7 @@ bool CreateOrOpen(const Options& options, Signals& signals) {
     return !signals.isStopped;
   });
   if (isOpened && !isImported && !options.contacts.empty()) {
-    phonebook::Log(phonebook::Severity::kWarning,
+    phonebook::Log(spdlog::level::warn,
                    "the option --contacts does nothing, as the database exists: run phonebook "
                    "import " +
                        options.contacts);
@@ -115,9 +115,9 @@ void LimitConnections(phonebook::ServerOptions& options) {
   const rlim_t most = std::max(files.rlim_cur, others + 1) - others;
   if (most >= options.maxConnections) return;
   options.maxConnections = most;
-  phonebook::Log(phonebook::Severity::kWarning,
-                 "only " + std::to_string(most) + " connections are possible, as the limit of " +
-                     "open files is " + std::to_string(files.rlim_cur));
+  phonebook::Log(spdlog::level::warn, "only " + std::to_string(most) +
+                                          " connections are possible, as the limit of " +
+                                          "open files is " + std::to_string(files.rlim_cur));
 }
 
 // A full pipe that nobody reads must not keep the server from starting.
@@ -135,11 +135,16 @@ void PrintAddresses(const std::string& host, const std::string& admin, bool hasP
   std::cout << std::flush;
 }
 
-int Stopped() {
-  phonebook::Log(phonebook::Severity::kWarning, "stopped; the database is unchanged");
+// Logs why a command has failed.
+// @return its status.
+int Fail(spdlog::level::level_enum level, const std::string& reason) {
+  std::istringstream lines(reason);
+  for (std::string line; std::getline(lines, line);) phonebook::Log(level, line);
   phonebook::FlushLog(kFlushTimeout);
-  return 1;
+  return EXIT_FAILURE;
 }
+
+int Stopped() { return Fail(spdlog::level::warn, "stopped; the database is unchanged"); }
 
 int Serve(Options& options, Signals& signals) {
   // Returns the memory of large responses to the system: 118 MB instead of 176 MB stay after 1,500
@@ -156,7 +161,7 @@ int Serve(Options& options, Signals& signals) {
   const auto stopping = signals.OnStop([&] { server.Stop(); });
   const bool hasEnded = server.Run();
   admin.reset();
-  phonebook::Log(phonebook::Severity::kInfo, "stopped");
+  phonebook::Log(spdlog::level::info, "stopped");
   phonebook::FlushLog(kFlushTimeout);
   if (!hasEnded) std::_Exit(EXIT_SUCCESS);  // a worker hangs in the database
   return 0;
@@ -170,25 +175,10 @@ int Main(int argc, char** argv) {
   signal(SIGHUP, SIG_IGN);  // the terminal may close
   signal(SIGPIPE, SIG_IGN);
   signal(SIGXFSZ, SIG_IGN);  // the write fails
-  switch (options.command) {
-    case Options::Command::kImport:
-      return Import(options, signals) ? 0 : Stopped();
-    case Options::Command::kBackUp:
-      phonebook::BackUp(options.database, options.file);
-      return 0;
-    case Options::Command::kServe:
-      break;
-  }
-  return Serve(options, signals);
-}
-
-int Fail(const std::string& reason) {
-  std::istringstream lines(reason);
-  for (std::string line; std::getline(lines, line);) {
-    phonebook::Log(phonebook::Severity::kError, line);
-  }
-  phonebook::FlushLog(kFlushTimeout);
-  return 1;
+  if (options.command == Options::Command::kServe) return Serve(options, signals);
+  if (options.command == Options::Command::kImport) return Import(options, signals) ? 0 : Stopped();
+  phonebook::BackUp(options.database, options.file);
+  return 0;
 }
 
 }  // namespace
@@ -197,12 +187,12 @@ int main(int argc, char** argv) {
   try {
     return Main(argc, argv);
   } catch (const std::filesystem::filesystem_error& error) {
-    return Fail(error.what());
+    return Fail(spdlog::level::err, error.what());
   } catch (const std::system_error& error) {
-    return Fail("can't create a thread: " + error.code().message());
+    return Fail(spdlog::level::err, "can't create a thread: " + error.code().message());
   } catch (const soci::soci_error& error) {
-    return Fail(phonebook::MessageOf(error));
+    return Fail(spdlog::level::err, phonebook::MessageOf(error));
   } catch (const std::exception& error) {
-    return Fail(error.what());
+    return Fail(spdlog::level::err, error.what());
   }
 }

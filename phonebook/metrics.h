@@ -2,11 +2,14 @@
 /// Counters of requests, in the format of Prometheus.
 #pragma once
 
-#include <array>
+#include <prometheus/counter.h>
+#include <prometheus/family.h>
+#include <prometheus/histogram.h>
+#include <prometheus/registry.h>
+
 #include <atomic>
 #include <chrono>
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -19,7 +22,7 @@ struct RequestLabels {
   std::size_t page = kOther;   ///< In the list of pages.
 };
 
-/// Counts requests without a lock. Callable from any thread.
+/// Counts requests. Callable from any thread.
 class Metrics {
  public:
   using Clock = std::chrono::steady_clock;
@@ -31,6 +34,7 @@ class Metrics {
     double value;
   };
 
+  /// The last names are those of all others.
   Metrics(std::vector<std::string> makers, std::vector<std::string> pages);
 
   /// Counts a response that took `time`.
@@ -40,16 +44,13 @@ class Metrics {
   std::string Text(const std::vector<Gauge>& gauges) const;
 
  private:
-  static constexpr std::array kStatuses = {200, 400, 403, 404, 405, 408, 413,
-                                           414, 421, 431, 500, 501, 503};
-  static constexpr std::array kBounds = {.0001, .00025, .0005, .001, .0025, .005, .01,
-                                         .025,  .05,    .1,    .25,  .5,    1.,   2.5};
-  using Counter = std::atomic<std::uint64_t>;
-
-  std::vector<std::string> makers, pages;  // with one for others at the end
-  std::vector<Counter> requests;           // by maker, page and status
-  std::array<Counter, kBounds.size() + 1> times{};
-  Counter nanoseconds{0};
+  std::vector<std::string> makers, pages;
+  prometheus::Registry registry;
+  prometheus::Family<prometheus::Counter>& requests;
+  prometheus::Histogram& times;
+  // By maker, page and status, once they have counted: finding one in the family takes as long as
+  // a page.
+  std::vector<std::atomic<prometheus::Counter*>> counters;
 };
 
 }  // namespace phonebook

@@ -343,50 +343,30 @@ PageResult Alert(const PageRequest& request) {
   };
 }
 
-struct PageFacts {
-  const char* path;
-  const char* title;
-  bool takesContact;  // whose id follows the path
-  PageResult (*make)(const PageRequest&);
-};
-constexpr PageFacts kPages[] = {
-    {"", "Home", false, Home},           {"directory", "Directory", false, Directory},
-    {"search", "Search", false, Search}, {"contact", "Contact", true, Card},
-    {"dial", "Dial", true, Dial},        {"message", "Message", false, Message},
-    {"status", "Alert", false, Alert},
-};
-
 }  // namespace
 
-std::vector<PageLink> AllPages() {
-  std::vector<PageLink> pages;
-  for (const auto& page : kPages) {
-    pages.push_back({page.title, std::string(page.path) + (page.takesContact ? "/1" : "")});
-  }
+const std::vector<Page>& AllPages() {
+  static const std::vector<Page> pages = {{"", "Home", Home},
+                                          {"directory", "Directory", Directory},
+                                          {"search", "Search", Search, false, true},
+                                          {"contact", "Contact", Card, true},
+                                          {"dial", "Dial", Dial, true},
+                                          {"message", "Message", Message},
+                                          {"status", "Alert", Alert}};
   return pages;
 }
 
 std::optional<std::size_t> FindPage(const std::vector<std::string>& path) {
-  for (std::size_t i = 0; i < std::size(kPages); ++i) {
-    const bool isNamed = path.empty() ? *kPages[i].path == '\0' : path.front() == kPages[i].path;
-    if (isNamed && path.size() <= (kPages[i].takesContact ? 2 : 1)) return i;
-  }
-  return std::nullopt;
-}
-
-bool IsSearch(const std::vector<std::string>& path) {
-  const auto page = FindPage(path);
-  return page && kPages[*page].make == Search;
+  const auto& pages = AllPages();
+  const auto found = std::find_if(pages.begin(), pages.end(), [&](const Page& page) {
+    return path.empty() ? page.path.empty()
+                        : path.front() == page.path && path.size() <= (page.takesContact ? 2 : 1);
+  });
+  return found == pages.end() ? std::nullopt : std::optional(found - pages.begin());
 }
 
 std::string HomeURI(const std::string& base, Maker maker) {
   return base + "/" + std::string(FactsOf(maker).slug) + "/";
-}
-
-PageResult Route(const PageRequest& request) {
-  const auto page = FindPage(request.path);
-  if (!page) throw HTTPError(404, kNoPage);
-  return kPages[*page].make(request);
 }
 
 Document ComposeErrorPage(const PageRequest& request, const char* title,

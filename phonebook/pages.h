@@ -45,19 +45,6 @@ struct PageRequest {
   const PageOptions* options;                 ///< Outlives the request.
 };
 
-/// A page in the list of pages: one that takes no contact, or that of contact 1.
-struct PageLink {
-  std::string title;
-  std::string path;  ///< What follows the maker's segment.
-};
-std::vector<PageLink> AllPages();
-
-/// The index in `AllPages` of the page at `path`, if there is one.
-std::optional<std::size_t> FindPage(const std::vector<std::string>& path);
-
-/// Whether `path` is that of a search, which looks at many contacts.
-bool IsSearch(const std::vector<std::string>& path);
-
 /// The URI of the maker's home page.
 std::string HomeURI(const std::string& base, Maker maker);
 
@@ -65,8 +52,19 @@ std::string HomeURI(const std::string& base, Maker maker);
 /// when there is no such page and `DatabaseUnavailable` when the database fails.
 using PageResult = std::variant<Document, std::function<Document(Store&)>>;
 
-/// @throws HTTPError when there is no such page or a parameter is malformed.
-PageResult Route(const PageRequest& request);
+/// A page in the list of pages.
+struct Page {
+  std::string path;   ///< The segment behind the maker's.
+  const char* title;  ///< In the preview.
+  /// Throws `HTTPError` when a parameter is malformed.
+  PageResult (*compose)(const PageRequest&);
+  bool takesContact = false;  ///< Whether the id of a contact follows the path.
+  bool isSearch = false;      ///< Whether it looks at many contacts.
+};
+const std::vector<Page>& AllPages();
+
+/// The index in `AllPages` of the page at `path`, if there is one.
+std::optional<std::size_t> FindPage(const std::vector<std::string>& path);
 
 /// The page that takes the place of another one. Its texts are English, and are translated.
 Document ComposeErrorPage(const PageRequest& request, const char* title, const std::string& reason);

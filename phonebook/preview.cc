@@ -30,7 +30,8 @@ std::string Choices() {
     choices["makers"].push_back({{"name", facts.name}, {"path", facts.slug}});
   }
   for (const auto& page : AllPages()) {
-    choices["pages"].push_back({{"title", page.title}, {"path", page.path}});
+    choices["pages"].push_back(
+        {{"title", page.title}, {"path", page.path + (page.takesContact ? "/1" : "")}});
   }
   return choices.dump();
 }

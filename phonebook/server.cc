@@ -76,7 +76,7 @@ std::string Readable(const std::string& text, std::size_t maxSize) {
 
 void Log(const Request& request, int status, const std::string& reason) {
   const bool isOwnFault = status == 500 || status == 503;
-  LogRequest(isOwnFault ? Severity::kError : Severity::kWarning, request.client,
+  LogRequest(isOwnFault ? spdlog::level::err : spdlog::level::warn, request.client,
              std::to_string(status) + " " + Readable(request.method, 20) + " " +
                  Readable(request.target, 500) + " from " + request.address + ": " +
                  Readable(reason, 300));
@@ -91,19 +91,15 @@ HTTPLimits LimitsOf(const ServerOptions& options) {
 std::vector<std::string> MakerNames() {
   std::vector<std::string> names;
   for (const auto& facts : AllMakers()) names.emplace_back(facts.slug);
+  names.emplace_back("other");
   return names;
 }
 
 std::vector<std::string> PageNames() {
   std::vector<std::string> names;
-  for (const auto& page : AllPages()) {
-    names.push_back(page.path.empty() ? "home" : page.path.substr(0, page.path.find('/')));
-  }
+  for (const auto& page : AllPages()) names.push_back(page.path.empty() ? "home" : page.path);
+  names.emplace_back("other");
   return names;
-}
-
-void LogIndexingFailure(const std::string& reason) {
-  phonebook::Log(Severity::kError, "changed contacts are not indexed: " + reason);
 }
 
 }  // namespace
@@ -165,7 +161,7 @@ void Server::Serve(Request request, ResponseCallback respond) {
   } catch (...) {
     result = Fail(request, std::current_exception());
   }
-  ResponseCallback done = [this, labels, begin, respond = std::move(respond)](Response response) {
+  auto done = [this, labels, begin, respond = std::move(respond)](Response response) {
     metrics.Count(labels, response.status, Metrics::Clock::now() - begin);
     respond(std::move(response));
   };
@@ -178,10 +174,11 @@ void Server::Serve(Request request, ResponseCallback respond) {
   workers.Submit({[compose = std::move(query.compose)](Store& store) {
                     return MakeResponse(200, *compose(store));
                   },
-                  [this, request = std::move(request)](const std::exception_ptr& error) {
-                    return Fail(request, error);
+                  [this, request = std::move(request), done = std::move(done)](
+                      Response response, const std::exception_ptr& error) {
+                    done(error ? Fail(request, error) : std::move(response));
                   },
-                  std::move(done), client, query.isSearch});
+                  client, query.isSearch});
 }
 
 // Returns the response, or the query that it takes.
@@ -199,15 +196,14 @@ std::variant<Response, Server::Query> Server::Dispatch(const Request& request,
   const auto found = FindPage(parsed.target->segments);
   labels.page = found.value_or(labels.page);
   if (parsed.maker) labels.maker = static_cast<std::size_t>(*parsed.maker);
-  if (!parsed.maker) {
-    if (!found) throw HTTPError(404, kNoPage);
-    return MakeResponse(200, kPlainText, Addresses(parsed.base));
-  }
-  const bool isSearch = IsSearch(parsed.target->segments);
-  auto page = Route({*parsed.maker, std::move(parsed.base), std::move(parsed.target->segments),
-                     std::move(parsed.target->params), &options.pages});
-  if (auto* document = std::get_if<Document>(&page)) return MakeResponse(200, **document);
-  return Query{std::get<std::function<Document(Store&)>>(std::move(page)), isSearch};
+  if (!found) throw HTTPError(404, kNoPage);
+  if (!parsed.maker) return MakeResponse(200, kPlainText, Addresses(parsed.base));
+  const Page& page = AllPages()[*found];
+  auto result =
+      page.compose({*parsed.maker, std::move(parsed.base), std::move(parsed.target->segments),
+                    std::move(parsed.target->params), &options.pages});
+  if (auto* document = std::get_if<Document>(&result)) return MakeResponse(200, **document);
+  return Query{std::get<std::function<Document(Store&)>>(std::move(result)), page.isSearch};
 }
 
 // Returns the error page of an exception, and logs it.
@@ -269,15 +265,14 @@ void Server::IndexPending() {
   if (isIndexing.exchange(true)) return;
   workers.Submit({[this](Store& store) {
                     hasPending = store.IndexPending();
-                    indexing.Clear();
                     return Response{};
                   },
-                  [this](const std::exception_ptr& error) {
-                    const std::string reason = indexing.NewReason(error);
-                    if (!reason.empty()) LogIndexingFailure(reason);
-                    return Response{};
-                  },
-                  [this](const Response&) {
+                  [this](const Response&, const std::exception_ptr& error) {
+                    const std::string reason = error ? ReasonOf(error) : "";
+                    if (std::exchange(indexingFailure, reason) != reason && error) {
+                      phonebook::Log(spdlog::level::err,
+                                     "changed contacts are not indexed: " + reason);
+                    }
                     isIndexing = false;
                     if (hasPending.exchange(false)) IndexPending();
                   }});
@@ -296,13 +291,13 @@ void Server::Probe() {
                     state = {"", counts.value_or(state.counts)};
                     return Response{};
                   },
-                  [this](const std::exception_ptr& error) {
-                    const std::string reason = FailureReport().NewReason(error);
-                    const std::lock_guard lock(mutex);
-                    state.failure = reason;
-                    return Response{};
-                  },
-                  [this](const Response&) { isProbing = false; }});
+                  [this](const Response&, const std::exception_ptr& error) {
+                    {
+                      const std::lock_guard lock(mutex);
+                      if (error) state.failure = ReasonOf(error);
+                    }
+                    isProbing = false;
+                  }});
 }
 
 bool Server::IsServing() const {

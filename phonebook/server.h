@@ -13,7 +13,6 @@
 #include <variant>
 #include <vector>
 
-#include "phonebook/failure_report.h"
 #include "phonebook/http_server.h"
 #include "phonebook/metrics.h"
 #include "phonebook/pages.h"
@@ -100,9 +99,9 @@ class Server {
   unsigned probes = 0;
   std::atomic<Metrics::Clock::rep> served = Metrics::Clock::now().time_since_epoch().count();
   HTTPServer http;
-  FailureReport indexing;
   WorkerPool workers;
   std::atomic<bool> isIndexing = false;
+  std::string indexingFailure;  // the last one, which is logged once
   std::atomic<bool> hasPending = false;
 };
 

@@ -7,13 +7,19 @@ namespace phonebook {
 
 namespace {
 
-void Fail(const Task& task, const std::exception_ptr& error) { task.done(task.fail(error)); }
-
 void FailUnserved(const Task& task) {
-  Fail(task, std::make_exception_ptr(DatabaseUnavailable("the database takes too long")));
+  task.done({}, std::make_exception_ptr(DatabaseUnavailable("the database takes too long")));
 }
 
 }  // namespace
+
+std::string ReasonOf(const std::exception_ptr& error) {
+  try {
+    std::rethrow_exception(error);
+  } catch (const std::exception& failure) {
+    return failure.what();
+  }
+}
 
 WorkerPool::WorkerPool(const std::string& database, std::size_t size) : running(size) {
   shortTasks.maxRunning = size;
@@ -109,12 +115,7 @@ void WorkerPool::Run(Worker& worker, QueuedTask& queued) {
     error = std::current_exception();
   }
   worker.end = Clock::now();
-  if (queued.isFinished.exchange(true)) return;
-  if (error != nullptr) {
-    Fail(queued.task, error);
-  } else {
-    queued.task.done(std::move(response));
-  }
+  if (!queued.isFinished.exchange(true)) queued.task.done(std::move(response), error);
 }
 
 // Where tasks take some microseconds, more than one worker spends more time on taking turns than on

@@ -21,22 +21,22 @@
 
 namespace phonebook {
 
-/// A task whose response comes from the database. Either its result or its failure is delivered,
-/// once.
+/// A task whose response comes from the database.
 struct Task {
   /// Runs on a worker thread, and may throw.
   std::function<Response(Store&)> run;
-  /// Returns the response to an exception of `run`, or to `DatabaseUnavailable` when there is no
-  /// time or place for the task. Called on any thread, at most once. Must not throw.
-  std::function<Response(const std::exception_ptr&)> fail;
-  /// Delivers the response, on any thread. Must not throw.
-  ResponseCallback done;
+  /// Takes the response, or else the exception of `run`, or `DatabaseUnavailable` when there is no
+  /// time or place for the task. Called once, on any thread. Must not throw.
+  std::function<void(Response, const std::exception_ptr&)> done;
   /// The client that the task is for. Clients take turns.
   std::string client{};
   /// Whether it takes milliseconds of the database. Others never wait for a worker until all of
   /// these are done.
   bool isLong = false;
 };
+
+/// The message of an exception.
+std::string ReasonOf(const std::exception_ptr& error);
 
 /// Worker threads, one per connection to the database, fed by two bounded queues in which clients
 /// take turns: one of long tasks, which occupy half of the workers at most, and one of the others.

@@ -15,7 +15,6 @@
 #include <vector>
 
 #include "phonebook/database/store.h"
-#include "phonebook/failure_report.h"
 #include "phonebook/tests/parsed_page.h"
 #include "phonebook/tests/phone_book.h"
 
@@ -210,19 +209,6 @@ TEST_P(PhoneBookOnPostgreSQL, IsUnavailableWithoutDescriptors) {
   const std::string failure = FailureOf(database);
   setrlimit(RLIMIT_NOFILE, &old);
   EXPECT_NE(failure.find("Too many open files"), failure.npos) << failure;
-}
-
-TEST(FailureReport, TellsAReasonOnce) {
-  FailureReport report;
-  const auto tell = [&](const char* reason) {
-    return report.NewReason(std::make_exception_ptr(DatabaseUnavailable(reason)));
-  };
-  for (const char* reason : {"a", "b", "a"}) {
-    EXPECT_EQ(tell(reason), reason);
-    EXPECT_EQ(tell(reason), "");
-  }
-  report.Clear();
-  EXPECT_EQ(tell("a"), "a");
 }
 
 TEST_P(PhoneBookOnPostgreSQL, LogsOnceWhatARoleMayNot) {

@@ -28,7 +28,7 @@ TEST(Log, CountsLinesThatNobodyReads) {
   StartLog();
   constexpr std::size_t kLines = 5000;
   const std::string text = "a\n\x1b" + std::string(2000, 'b');
-  for (std::size_t i = 0; i < kLines; ++i) Log(Severity::kError, text);
+  for (std::size_t i = 0; i < kLines; ++i) Log(spdlog::level::err, text);
   LogOmitted();
   std::size_t read = 0;
   std::size_t dropped = 0;

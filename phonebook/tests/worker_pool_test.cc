@@ -38,16 +38,9 @@ class WorkerPoolWithGate : public testing::Test {
                    if (run != nullptr) run();
                    return Response{200, "", name};
                  },
-                 [name](const std::exception_ptr& error) {
-                   try {
-                     std::rethrow_exception(error);
-                   } catch (const std::exception& failure) {
-                     return Response{503, "", name + ": " + failure.what()};
-                   }
-                 },
-                 [this](const Response& response) {
+                 [this, name](const Response& response, const std::exception_ptr& error) {
                    const std::lock_guard lock(mutex);
-                   delivered += response.body + "\n";
+                   delivered += (error ? name + ": " + ReasonOf(error) : response.body) + "\n";
                  },
                  name.substr(0, 1), std::isupper(name.front()) != 0});
   }
@@ -58,8 +51,8 @@ class WorkerPoolWithGate : public testing::Test {
   void Finish() {
     const auto finished = std::make_shared<std::promise<void>>();
     pool.Submit({[](Store&) { return Response{}; },
-                 [](const std::exception_ptr&) { return Response{}; },
-                 [finished](const Response&) { finished->set_value(); }, "z"});
+                 [finished](const Response&, const std::exception_ptr&) { finished->set_value(); },
+                 "z"});
     finished->get_future().wait();
   }
   std::string Delivered() {
@@ -99,8 +92,7 @@ TEST(WorkerPool, KeepsWorkersForShortTasks) {
   WorkerPool pool("never opened.db", 2);
   const auto submit = [&](bool isLong, const std::function<void()>& run) {
     pool.Submit({[run](Store&) { return run(), Response{}; },
-                 [](const std::exception_ptr&) { return Response{}; }, [](const Response&) {}, "",
-                 isLong});
+                 [](const Response&, const std::exception_ptr&) {}, "", isLong});
   };
   const auto opened = gate.get_future().share();
   for (int i = 0; i < 2; ++i) submit(true, [opened] { opened.wait(); });
