@@ -21,10 +21,10 @@ struct CatalogueAsset {
 };
 
 /// The catalogues of all languages but English, as CMakeLists.txt lists them.
-const std::vector<CatalogueAsset>& CatalogueAssets();
+extern const std::vector<CatalogueAsset> kCatalogues;
 
 /// The files of the preview, as CMakeLists.txt lists them.
-const std::vector<Asset>& PreviewAssets();
+extern const std::vector<Asset> kPreviewAssets;
 
 extern const char* const kSampleContacts;
 

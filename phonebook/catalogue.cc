@@ -8,12 +8,12 @@ namespace phonebook {
 
 std::vector<std::string> Languages() {
   std::vector<std::string> languages = {"en"};
-  for (const auto& asset : CatalogueAssets()) languages.emplace_back(asset.language);
+  for (const auto& asset : kCatalogues) languages.emplace_back(asset.language);
   return languages;
 }
 
 Catalogue::Catalogue(const std::string& language) {
-  for (const auto& asset : CatalogueAssets()) {
+  for (const auto& asset : kCatalogues) {
     if (asset.language != language) continue;
     boost::locale::gnu_gettext::messages_info info;
     info.language = language;

@@ -189,25 +189,26 @@ void HTTPConnection::Refuse(error_code error) {
 
 void HTTPConnection::Refuse(int status) {
   isKeptAlive = false;
-  Send(server.handlers.refuse(Described(), status, ""));
+  const bool hasHost = parser->is_header_done() && CheckHost() == 0;
+  Send(server.handlers.refuse(Described(hasHost), status, ""));
 }
 
-Request HTTPConnection::Described() const {
+// @param hasHost whether the header is complete and its Host field well-formed.
+Request HTTPConnection::Described(bool hasHost) const {
   const auto& request = parser->get();
-  const bool hasHost = parser->is_header_done() && CheckHost() == 0;
   const char* scheme = "http";
-  std::optional<Peer> client;
+  Peer client = peer;
   if (isProxied) {
-    client.emplace(
-        server.limits.proxies.ClientOf(JoinedFields(request, "X-Forwarded-For"), peer.ip));
+    client =
+        Peer(server.limits.proxies.ClientOf(JoinedFields(request, "X-Forwarded-For"), peer.ip));
     if (beast::iequals(JoinedFields(request, "X-Forwarded-Proto"), "https")) scheme = "https";
   }
   return {TextOf(request.method_string()),
           TextOf(request.target()),
           hasHost ? TextOf(request[http::field::host]) : "",
           TextOf(request[http::field::user_agent]),
-          client ? client->address : peer.address,
-          client ? client->client : peer.client,
+          std::move(client.address),
+          std::move(client.client),
           scheme,
           beast::iequals(request["Sec-Fetch-Site"], "cross-site")};
 }

@@ -60,7 +60,7 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   void Refuse(error_code error);
   void Refuse(int status);
   void Send(Response response);
-  Request Described() const;
+  Request Described(bool hasHost = true) const;
   void OnWrite(error_code error);
   void Shutdown();
   void Drain();

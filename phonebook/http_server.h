@@ -24,8 +24,9 @@ namespace phonebook {
 
 /// What a client may cost.
 struct HTTPLimits {
-  std::size_t maxConnections = 20000;  ///< Further clients wait to be accepted,
-  bool isOldestReplaced = false;       ///< or replace the one that would be closed first.
+  std::size_t maxConnections = 20000;  ///< Further clients wait to be accepted.
+  TrustedProxies proxies{};            ///< Whose X-Forwarded-For and X-Forwarded-Proto count.
+  bool isOldestReplaced = false;       ///< Instead, each replaces the one to be closed first.
   std::size_t maxHeader = 16384;       ///< In bytes, including the request line.
   std::size_t maxTarget = 8192;        ///< In bytes.
   std::size_t maxBody = 8192;          ///< In bytes; a body is discarded.
@@ -36,7 +37,6 @@ struct HTTPLimits {
   std::chrono::seconds responseTimeout{5};      ///< For the client to take a response.
   std::chrono::seconds idleTimeout{60};         ///< Between requests.
   std::chrono::seconds idleTimeoutWhenFull{5};  ///< While there are `maxConnections`.
-  TrustedProxies proxies{};  ///< Whose X-Forwarded-For and X-Forwarded-Proto count.
 };
 
 /// What a server does with requests. Neither function may block.

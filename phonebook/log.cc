@@ -12,7 +12,6 @@
 #include <atomic>
 #include <cstdlib>
 #include <memory>
-#include <mutex>
 #include <thread>
 
 namespace phonebook {
@@ -112,7 +111,6 @@ struct AsyncLog {
   const std::shared_ptr<spdlog::async_logger> logger = std::make_shared<spdlog::async_logger>(
       "", sink, pool, spdlog::async_overflow_policy::overrun_oldest);
   std::atomic<std::size_t> added = 0;
-  std::mutex mutex;
   ClientLineLimit limit;
 };
 
@@ -147,20 +145,14 @@ void Log(spdlog::level::level_enum level, std::string_view line) {
 }
 
 void LogRequest(spdlog::level::level_enum level, const std::string& client, std::string_view line) {
-  if (AsyncLog* const log = asyncLog) {
-    const std::lock_guard lock(log->mutex);
-    if (!log->limit.Admit(client)) return;
-  }
-  Log(level, line);
+  AsyncLog* const log = asyncLog;
+  if (log == nullptr || log->limit.Admit(client)) Log(level, line);
 }
 
 void LogOmitted() {
   AsyncLog* const log = asyncLog;
   if (log == nullptr) return;
-  std::unique_lock lock(log->mutex);
-  const auto omitted = log->limit.Reset();
-  lock.unlock();
-  for (const auto& [client, count] : omitted) {
+  for (const auto& [client, count] : log->limit.Reset()) {
     Log(spdlog::level::warn,
         std::to_string(count) + " more requests from " + client + " were refused in a second");
   }
@@ -179,6 +171,7 @@ void FlushLog(std::chrono::milliseconds timeout) {
 }
 
 bool ClientLineLimit::Admit(const std::string& client) {
+  const std::lock_guard lock(mutex);
   auto found = lines.find(client);
   if (found == lines.end()) {
     found = lines.emplace(lines.size() < kMaxClients ? client : "other clients", 0).first;
@@ -187,6 +180,7 @@ bool ClientLineLimit::Admit(const std::string& client) {
 }
 
 std::vector<std::pair<std::string, std::size_t>> ClientLineLimit::Reset() {
+  const std::lock_guard lock(mutex);
   std::vector<std::pair<std::string, std::size_t>> exceeded;
   for (const auto& [client, count] : lines) {
     if (count > kMaxLines) exceeded.emplace_back(client, count - kMaxLines);

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -32,7 +33,7 @@ void LogOmitted();
 /// Waits until all lines are written, at most for `timeout`.
 void FlushLog(std::chrono::milliseconds timeout);
 
-/// Counts the lines of each client in an interval.
+/// Counts the lines of each client in an interval. Callable from any thread.
 class ClientLineLimit {
  public:
   static constexpr std::size_t kMaxLines = 100;     ///< Of a client.
@@ -47,6 +48,7 @@ class ClientLineLimit {
   std::vector<std::pair<std::string, std::size_t>> Reset();
 
  private:
+  std::mutex mutex;
   std::unordered_map<std::string, std::size_t> lines;
 };
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <iterator>
 #include <optional>
 #include <sstream>
 #include <system_error>
@@ -80,7 +79,8 @@ std::optional<PageParam> PageParamOf(const PageRequest& request) {
   for (const char* name : {"after", "before"}) {
     const auto param = request.params.find(name);
     if (param == request.params.end()) continue;
-    if (!IsUTF8(param->second)) throw HTTPError(400, kNoPosition);
+    if (!IsUTF8(param->second) || param->second.find('\0') != std::string::npos)
+      throw HTTPError(400, kNoPosition);
     return PageParam{*name == 'a', param->second};
   }
   return std::nullopt;
@@ -142,14 +142,13 @@ void ExpectContent(const PageRequest& request, bool hasContent) {
 template <typename Screen>
 void FrameContacts(Screen& screen, const PageRequest& request, const ContactPage& page,
                    const std::string& uri) {
-  ExpectContent(request, !page.contacts.empty() || page.end);
-  if (page.contacts.empty()) {
-    if (page.end) LinkPages(screen, request, uri, "", "", page);
-    return;
+  const auto& contacts = page.contacts;
+  ExpectContent(request, !contacts.empty() || page.end);
+  if (page.hasPrevious && !contacts.empty()) {
+    screen.title += Translated(request, ", from ") + contacts.front().name;
   }
-  const auto& first = page.contacts.front();
-  if (page.hasPrevious) screen.title += Translated(request, ", from ") + first.name;
-  LinkPages(screen, request, uri, PositionOf(first), PositionOf(page.contacts.back()), page);
+  LinkPages(screen, request, uri, contacts.empty() ? "" : PositionOf(contacts.front()),
+            contacts.empty() ? "" : PositionOf(contacts.back()), page);
 }
 
 PageResult Home(const PageRequest& request) {
@@ -193,12 +192,11 @@ PageResult Contacts(const PageRequest& request, const std::string& title, const 
     for (auto& contact : page.contacts) {
       menu.items.push_back({std::move(contact.name), PageURI(request, "contact", contact.id)});
     }
-    if (page.end) {
-      menu.items.push_back({Translated(request, "There may be more. Add a letter to the search?"),
-                            PageURI(request, "search")});
-    } else if (menu.items.empty()) {
-      menu.items.push_back(
-          {Translated(request, "Nobody found. Search again?"), PageURI(request, "search")});
+    const char* const advice = page.end ? Marked("There may be more. Add a letter to the search?")
+                               : menu.items.empty() ? Marked("Nobody found. Search again?")
+                                                    : nullptr;
+    if (advice != nullptr) {
+      menu.items.push_back({Translated(request, advice), PageURI(request, "search")});
     }
     return ComposeMenu(request.maker, menu);
   };
@@ -224,10 +222,8 @@ PageResult Letters(const PageRequest& request) {
     for (const auto& letter : letters) {
       menu.items.push_back({letter.label, uri + "?letter=" + PercentEncode(letter.label)});
     }
-    if (hasContent) {
-      LinkPages(menu, request, uri, letters.empty() ? "" : letters.front().label,
-                letters.empty() ? "" : letters.back().label, page);
-    }
+    LinkPages(menu, request, uri, letters.empty() ? "" : letters.front().label,
+              letters.empty() ? "" : letters.back().label, page);
     if (page.end) {
       menu.items.push_back(
           {Translated(request, "More letters"), page.isForward ? menu.next : menu.previous});
@@ -275,12 +271,12 @@ PageResult Search(const PageRequest& request) {
 }
 
 // A page of the contact whose id is the last segment of the path.
-PageResult ContactPageOf(const PageRequest& request,
-                         Document (*compose)(const PageRequest&, long long id, const Contact&)) {
+template <Document (*compose)(const PageRequest&, long long id, const Contact&)>
+PageResult ContactPageOf(const PageRequest& request) {
   constexpr const char* kNotFound = Marked("This contact is not in the phone book.");
   const auto id = request.path.size() == 2 ? ParseId(request.path[1]) : std::nullopt;
   if (!id) throw HTTPError(404, kNotFound);
-  return [request, id = *id, compose](Store& store) {
+  return [request, id = *id](Store& store) {
     const auto contact = store.FindContact(id);
     if (!contact) throw HTTPError(404, kNotFound);
     return compose(request, id, *contact);
@@ -305,41 +301,29 @@ Document ComposeDial(const PageRequest& request, long long /*id*/, const Contact
        {HomeKey(request)}});
 }
 
-PageResult Card(const PageRequest& request) { return ContactPageOf(request, ComposeCard); }
-
-PageResult Dial(const PageRequest& request) { return ContactPageOf(request, ComposeDial); }
-
-std::vector<std::string> LinesOf(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream stream(text);
-  for (std::string line; lines.size() < kMaxNoticeLines && std::getline(stream, line);) {
-    lines.push_back(line);
+Text NoticeText(const PageRequest& request, const char* title, const std::string& notice) {
+  Text text{
+      Translated(request, title), {}, HomeURI(request.base, request.maker), {HomeKey(request)}};
+  std::istringstream stream(notice);
+  for (std::string line; text.lines.size() < kMaxNoticeLines && std::getline(stream, line);) {
+    text.lines.push_back(line);
   }
-  return lines;
-}
-
-Text NoticeText(const PageRequest& request, const char* title, std::vector<std::string> lines) {
-  if (lines.empty()) lines.emplace_back(Translated(request, "Nothing today."));
-  return {Translated(request, title),
-          std::move(lines),
-          HomeURI(request.base, request.maker),
-          {HomeKey(request)}};
+  if (notice.empty()) text.lines.emplace_back(Translated(request, "Nothing today."));
+  return text;
 }
 
 PageResult Message(const PageRequest& request) {
   return [request](Store& store) {
-    auto lines = LinesOf(store.FindNotice("message"));
-    return ComposeText(request.maker,
-                       NoticeText(request, Marked("Message of the day"), std::move(lines)));
+    return ComposeText(request.maker, NoticeText(request, Marked("Message of the day"),
+                                                 store.FindNotice("message")));
   };
 }
 
 PageResult Alert(const PageRequest& request) {
   return [request](Store& store) {
-    auto lines = LinesOf(store.FindNotice("alert"));
-    const bool isUrgent = !lines.empty();
-    return ComposeAlert(request.maker, {NoticeText(request, Marked("Alert"), std::move(lines)),
-                                        isUrgent, "phonebook"});
+    const std::string alert = store.FindNotice("alert");
+    return ComposeAlert(request.maker,
+                        {NoticeText(request, Marked("Alert"), alert), !alert.empty(), "phonebook"});
   };
 }
 
@@ -349,8 +333,8 @@ const std::vector<Page>& AllPages() {
   static const std::vector<Page> pages = {{"", "Home", Home},
                                           {"directory", "Directory", Directory},
                                           {"search", "Search", Search, false, true},
-                                          {"contact", "Contact", Card, true},
-                                          {"dial", "Dial", Dial, true},
+                                          {"contact", "Contact", ContactPageOf<ComposeCard>, true},
+                                          {"dial", "Dial", ContactPageOf<ComposeDial>, true},
                                           {"message", "Message", Message},
                                           {"status", "Alert", Alert}};
   return pages;

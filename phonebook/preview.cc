@@ -40,7 +40,7 @@ std::string Choices() {
 
 std::map<std::string, Response> MakePreview() {
   std::map<std::string, Response> responses;
-  for (const auto& asset : PreviewAssets()) {
+  for (const auto& asset : kPreviewAssets) {
     responses.emplace(asset.path, MakeResponse(asset.type, asset.content));
   }
   responses.emplace("/preview/choices.json", MakeResponse("application/json", Choices()));

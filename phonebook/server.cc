@@ -82,12 +82,6 @@ void Log(const Request& request, int status, const std::string& reason) {
                  Readable(reason, 300));
 }
 
-HTTPLimits LimitsOf(const ServerOptions& options) {
-  HTTPLimits limits{options.maxConnections};
-  limits.proxies = TrustedProxies(options.proxies);
-  return limits;
-}
-
 std::vector<std::string> MakerNames() {
   std::vector<std::string> names;
   for (const auto& facts : AllMakers()) names.emplace_back(facts.slug);
@@ -123,7 +117,7 @@ Server::Server(const std::string& database, ServerOptions theOptions)
               metrics.Count({}, status, {});
               return Refuse(request, status, StatusFactsOf(status).reason, cause);
             }},
-           LimitsOf(options)),
+           {options.maxConnections, TrustedProxies(options.proxies)}),
       workers(database, options.databaseConnections) {
   http.CallEvery(std::chrono::milliseconds(20), [this] { workers.ExpireOverdue(); });
   http.CallEvery(std::chrono::milliseconds(300), [this] { IndexPending(); });
@@ -170,15 +164,12 @@ void Server::Serve(Request request, ResponseCallback respond) {
     return;
   }
   const std::string client = request.client;
-  auto& query = std::get<Query>(result);
-  workers.Submit({[compose = std::move(query.compose)](Store& store) {
-                    return MakeResponse(200, *compose(store));
-                  },
+  workers.Submit({std::get<Query>(std::move(result)),
                   [this, request = std::move(request), done = std::move(done)](
                       Response response, const std::exception_ptr& error) {
                     done(error ? Fail(request, error) : std::move(response));
                   },
-                  client, query.isSearch});
+                  client, AllPages()[labels.page].isSearch});
 }
 
 // Returns the response, or the query that it takes.
@@ -198,12 +189,13 @@ std::variant<Response, Server::Query> Server::Dispatch(const Request& request,
   if (parsed.maker) labels.maker = static_cast<std::size_t>(*parsed.maker);
   if (!found) throw HTTPError(404, kNoPage);
   if (!parsed.maker) return MakeResponse(200, kPlainText, Addresses(parsed.base));
-  const Page& page = AllPages()[*found];
-  auto result =
-      page.compose({*parsed.maker, std::move(parsed.base), std::move(parsed.target->segments),
-                    std::move(parsed.target->params), &options.pages});
-  if (auto* document = std::get_if<Document>(&result)) return MakeResponse(200, **document);
-  return Query{std::get<std::function<Document(Store&)>>(std::move(result)), page.isSearch};
+  auto page = AllPages()[*found].compose({*parsed.maker, std::move(parsed.base),
+                                          std::move(parsed.target->segments),
+                                          std::move(parsed.target->params), &options.pages});
+  if (auto* document = std::get_if<Document>(&page)) return MakeResponse(200, **document);
+  return [compose = std::get<std::function<Document(Store&)>>(std::move(page))](Store& store) {
+    return MakeResponse(200, *compose(store));
+  };
 }
 
 // Returns the error page of an exception, and logs it.

@@ -60,10 +60,8 @@ class Server {
   bool IsServing() const;
 
  private:
-  struct Query {
-    std::function<Document(Store&)> compose;
-    bool isSearch;
-  };
+  // What is asked of the database.
+  using Query = std::function<Response(Store&)>;
 
   // A request, the client's maker and the URL that its links begin with.
   struct ParsedRequest {

@@ -5,13 +5,14 @@
 #include <uriparser/Uri.h>
 
 #include <algorithm>
-#include <memory>
-#include <new>
 #include <utility>
 
 namespace phonebook {
 
 namespace {
+
+using teleform::screens::PercentDecode;
+using teleform::screens::PercentEncode;
 
 constexpr const char* kDigits = "0123456789";
 
@@ -24,12 +25,9 @@ std::string Lowercase(std::string text) {
   return text;
 }
 
-// Whether the rest of `host` is nothing or a colon and possibly a port.
-bool IsPort(const std::string& host, std::size_t at) {
-  if (at == host.size()) return true;
-  const std::string port = host.substr(at + 1);
-  return host[at] == ':' && port.find_first_not_of(kDigits) == port.npos && port.size() <= 5 &&
-         (port.empty() || std::stoi(port) <= 65535);
+// Whether the digits are empty or a port.
+bool IsPort(const std::string& digits) {
+  return digits.empty() || (digits.size() <= 5 && std::stoi(digits) <= 65535);
 }
 
 // Whether a lowercase text is a host name as DNS defines it, or an IPv4 address.
@@ -52,16 +50,6 @@ bool IsHostName(const std::string& name) {
          inet_pton(AF_INET, name.c_str(), &address) == 1;
 }
 
-std::optional<std::string> NormalizeIPv6(const std::string& text) {
-  in6_addr address{};
-  char normalized[INET6_ADDRSTRLEN];
-  if (text.find('\0') != text.npos || inet_pton(AF_INET6, text.c_str(), &address) != 1 ||
-      inet_ntop(AF_INET6, &address, normalized, sizeof normalized) == nullptr) {
-    return std::nullopt;
-  }
-  return "[" + std::string(normalized) + "]";
-}
-
 // A parsed URL, which refers to the text that it was parsed from.
 class URL {
  public:
@@ -78,9 +66,20 @@ class URL {
       return false;
     }
     const std::string scheme = Lowercase(TextOf(uri.scheme));
-    const std::string port = TextOf(uri.portText);
     return (scheme == "http" || scheme == "https") && uri.userInfo.first == nullptr &&
-           (port.empty() || (port.size() <= 5 && std::stoi(port) <= 65535));
+           IsPort(TextOf(uri.portText));
+  }
+
+  // The host in one spelling, without the port; empty if it is neither a name nor an address.
+  std::string HostName() const {
+    if (uri.hostData.ip6 != nullptr) {
+      boost::asio::ip::address_v6::bytes_type bytes;
+      std::copy_n(uri.hostData.ip6->data, bytes.size(), bytes.begin());
+      return "[" + boost::asio::ip::address_v6(bytes).to_string() + "]";
+    }
+    std::string name = Lowercase(TextOf(uri.hostText));
+    if (name.back() == '.') name.pop_back();
+    return uri.hostData.ipFuture.first == nullptr && IsHostName(name) ? name : "";
   }
 
   // The host and port as they stand in the text.
@@ -93,11 +92,8 @@ class URL {
   std::vector<std::string> Segments() const {
     std::vector<std::string> segments;
     for (const auto* segment = uri.pathHead; segment != nullptr; segment = segment->next) {
-      std::string text = TextOf(segment->text);
-      if (text.empty()) continue;
-      const char* textEnd = uriUnescapeInPlaceExA(text.data(), URI_FALSE, URI_BR_DONT_TOUCH);
-      text.resize(static_cast<std::size_t>(textEnd - text.data()));
-      segments.push_back(std::move(text));
+      std::string text = PercentDecode(TextOf(segment->text), false);
+      if (!text.empty()) segments.push_back(std::move(text));
     }
     return segments;
   }
@@ -108,21 +104,13 @@ class URL {
 
   std::map<std::string, std::string> Params() const {
     std::map<std::string, std::string> params;
-    std::string query = TextOf(uri.query);
-    // A NUL would end the C strings of the list. This byte is no text either.
-    for (auto at = query.find("%00"); at != query.npos; at = query.find("%00", at)) {
-      query.replace(at, 3, "%FF");
-    }
-    UriQueryListA* list = nullptr;
-    int count = 0;
-    if (uriDissectQueryMallocExA(&list, &count, query.data(), query.data() + query.size(), URI_TRUE,
-                                 URI_BR_DONT_TOUCH) != URI_SUCCESS) {
-      throw std::bad_alloc();
-    }
-    const std::unique_ptr<UriQueryListA, decltype(&uriFreeQueryListA)> owner(list,
-                                                                             uriFreeQueryListA);
-    for (; list != nullptr; list = list->next) {
-      params.emplace(list->key, list->value == nullptr ? "" : list->value);
+    const std::string query = TextOf(uri.query);
+    for (std::size_t begin = 0, pairEnd = 0; pairEnd < query.size(); begin = pairEnd + 1) {
+      pairEnd = std::min(query.find('&', begin), query.size());
+      const std::string pair = query.substr(begin, pairEnd - begin);
+      const auto equals = std::min(pair.find('='), pair.size());
+      params.emplace(PercentDecode(pair.substr(0, equals), true),
+                     PercentDecode(pair.substr(std::min(equals + 1, pair.size())), true));
     }
     return params;
   }
@@ -144,8 +132,7 @@ class URL {
 // Percent-encodes what no URL can hold.
 std::string Encoded(const std::string& target, bool isAbsolute) {
   constexpr const char* kHexadecimal = "0123456789abcdefABCDEF";
-  std::string text = teleform::screens::PercentEncode(
-      target, isAbsolute ? "/?:@!$&'()*+,;=%[]" : "/?:@!$&'()*+,;=%");
+  std::string text = PercentEncode(target, isAbsolute ? "/?:@!$&'()*+,;=%[]" : "/?:@!$&'()*+,;=%");
   for (auto at = text.find('%'); at != text.npos; at = text.find('%', at + 1)) {
     const auto end = text.find_first_not_of(kHexadecimal, at + 1);
     if (std::min(end, text.size()) < at + 3) text.insert(at + 1, "25");
@@ -164,14 +151,11 @@ std::optional<RequestTarget> ParseRequestTarget(const std::string& target) {
 }
 
 std::optional<std::string> HostNameOf(const std::string& host) {
-  const std::size_t end =
-      std::min(host.size(), !host.empty() && host.front() == '[' ? host.find(']') : host.find(':'));
-  if (end < host.size() && host[end] == ']') {
-    return IsPort(host, end + 1) ? NormalizeIPv6(host.substr(1, end - 1)) : std::nullopt;
-  }
-  std::string name = Lowercase(host.substr(0, end));
-  if (!name.empty() && name.back() == '.') name.pop_back();
-  return IsPort(host, end) && IsHostName(name) ? std::optional(name) : std::nullopt;
+  const std::string text = "http://" + host;
+  const URL url(text);
+  if (!url.IsHTTP() || url.Authority() != host) return std::nullopt;
+  std::string name = url.HostName();
+  return name.empty() ? std::nullopt : std::optional(std::move(name));
 }
 
 std::optional<boost::asio::ip::address> IPAddressOf(const std::string& host) {

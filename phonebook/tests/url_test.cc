@@ -22,7 +22,7 @@ TEST(URL, ParsesRequestTargets) {
       {"/s?x;y&z=?/", {"", "/s", {"s"}, {{"x;y", ""}, {"z", "?/"}}}},
       {"/s?name=100%&b=%a", {"", "/s", {"s"}, {{"name", "100%"}, {"b", "%a"}}}},
       {"/s?name=\xc3\xa5\"[#]", {"", "/s", {"s"}, {{"name", "\xc3\xa5\"[#]"}}}},
-      {"/s?name=x%00y", {"", "/s", {"s"}, {{"name", "x\xffy"}}}},
+      {"/s?name=x%00y", {"", "/s", {"s"}, {{"name", std::string("x\0y", 3)}}}},
       {"http://a:1/snom?b=c", {"a:1", "/snom", {"snom"}, {{"b", "c"}}}},
       {"HTTPS://[::1]?b=c", {"[::1]", "", {}, {{"b", "c"}}}},
   };
@@ -53,10 +53,10 @@ TEST(URL, TellsHostNames) {
   };
   for (const auto& [host, name] : expected) EXPECT_EQ(HostNameOf(host), name);
   for (const char* host :
-       {"",        ":80",     "a/b",   "a?b",       "a#b",      "a@b",  "a\"<b", "a b",
-        "a:b",     "a:65536", "a:1:2", "a:000080",  "[::1",     "[",    "[]",    "[::g]",
-        "[::1]80", "::1",     "]:[",   "\xc3\xa5",  "a_b",      "a..b", ".",     ".a",
-        "-a",      "a-.b",    "1.2.3", "1.2.3.256", "1.2.3.4.5"}) {
+       {"",      ":80",     "a/b",     "a?b",   "a#b",       "a@b",      "a\"<b", "a b",
+        "a:b",   "[v1.x]",  "a:65536", "a:1:2", "a:000080",  "[::1",     "[",     "[]",
+        "[::g]", "[::1]80", "::1",     "]:[",   "\xc3\xa5",  "a_b",      "a..b",  ".",
+        ".a",    "-a",      "a-.b",    "1.2.3", "1.2.3.256", "1.2.3.4.5"}) {
     EXPECT_FALSE(HostNameOf(host)) << host;
   }
   EXPECT_FALSE(HostNameOf(longest + "a"));
