@@ -19,12 +19,7 @@ namespace phonebook {
 
 namespace {
 
-// Half-sent requests must not keep a monitor waiting.
-HTTPLimits Limits() {
-  HTTPLimits limits{100};
-  limits.isOldestReplaced = true;
-  return limits;
-}
+constexpr std::size_t kMaxConnections = 100;
 
 Response MakeResponse(int status, std::string body) {
   return {status, "text/plain; charset=utf-8", std::move(body), {{"Cache-Control", "no-store"}}};
@@ -58,7 +53,7 @@ AdminServer::AdminServer(const std::string& theAddress, std::vector<std::string>
             [](const Request&, int status, const std::string&) {
               return MakeResponse(status, "Not understood\n");
             }},
-           Limits()) {
+           {kMaxConnections, {}, true}) {  // half-sent requests keep no monitor waiting
   if (!theAddress.empty()) {
     const auto colon = theAddress.rfind(':');
     const auto ip = IPAddressOf(theAddress.substr(0, colon)).value();

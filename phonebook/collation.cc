@@ -71,12 +71,19 @@ bool IsInWord(UChar32 character) {
   return u_isalnum(character) || (U_GET_GC_MASK(character) & U_GC_M_MASK) != 0;
 }
 
+icu::UnicodeString Normalized(const icu::UnicodeString& text,
+                              const icu::Normalizer2* (*instance)(UErrorCode&)) {
+  UErrorCode error = U_ZERO_ERROR;
+  const icu::Normalizer2* const normalizer = instance(error);
+  ThrowOnFailure(error);
+  auto normalized = normalizer->normalize(text, error);
+  ThrowOnFailure(error);
+  return normalized;
+}
+
 // The compatible characters of letters, digits and what else has some: Ⅷ is VIII.
 icu::UnicodeString Compatible(const icu::UnicodeString& text) {
-  UErrorCode error = U_ZERO_ERROR;
-  auto compatible = icu::Normalizer2::getNFKCInstance(error)->normalize(text, error);
-  ThrowOnFailure(error);
-  return compatible;
+  return Normalized(text, icu::Normalizer2::getNFKCInstance);
 }
 
 // Whether the character is a Thai or Lao vowel that is written before its consonant. Collation
@@ -120,15 +127,12 @@ icu::UnicodeString WithoutIgnored(icu::UnicodeString text) {
 
 // The letter of names that begin with a character; empty if this one is none.
 std::string LabelOf(UChar32 character, const std::string& collationKey) {
-  UErrorCode error = U_ZERO_ERROR;
-  const icu::Normalizer2* const decomposing = icu::Normalizer2::getNFKDInstance(error);
-  ThrowOnFailure(error);
   const icu::UnicodeString letter(character);
   const icu::UnicodeString capital = icu::UnicodeString(letter).toUpper(icu::Locale::getRoot());
   // An accent makes some characters letters of their own, such as Й; so does a missing dot, as in
   // ı.
-  for (const auto& candidate : {decomposing->normalize(capital, error), capital, letter}) {
-    ThrowOnFailure(error);
+  for (const auto& candidate :
+       {Normalized(capital, icu::Normalizer2::getNFKDInstance), capital, letter}) {
     std::string label;
     icu::UnicodeString(candidate.char32At(0)).toUTF8String(label);
     const std::string key = PrefixKey(label);

@@ -15,7 +15,6 @@ namespace phonebook {
 template <typename Item>
 class FairQueue {
  public:
-  bool IsEmpty() const { return size == 0; }
   std::size_t Size() const { return size; }
 
   void Push(const std::string& client, Item item) {

@@ -115,16 +115,11 @@ void HTTPServer::WriteQueued() {
 }
 
 void HTTPServer::CallEvery(std::chrono::milliseconds interval, std::function<void()> tick) {
-  const auto timer = std::make_shared<asio::steady_timer>(context);
-  auto again = std::make_shared<std::function<void()>>();
-  *again = [timer, interval, tick = std::move(tick), weak = std::weak_ptr(again)] {
-    timer->expires_after(interval);
-    timer->async_wait([self = weak.lock(), tick](error_code) {
-      tick();
-      (*self)();
-    });
-  };
-  (*again)();
+  const auto timer = std::make_shared<asio::steady_timer>(context, interval);
+  timer->async_wait([this, timer, interval, tick = std::move(tick)](error_code) {
+    tick();
+    CallEvery(interval, tick);
+  });
 }
 
 void HTTPServer::Run(std::chrono::milliseconds timeout) {

@@ -167,7 +167,9 @@ int Serve(Options& options, Signals& signals) {
   return 0;
 }
 
-int Main(int argc, char** argv) {
+}  // namespace
+
+int main(int argc, char** argv) try {
   Options options;
   if (const auto status = phonebook::ParseOptions(argc, argv, options)) return *status;
   // It outlives its detached thread. A server has done all it should when it is stopped early.
@@ -179,20 +181,12 @@ int Main(int argc, char** argv) {
   if (options.command == Options::Command::kImport) return Import(options, signals) ? 0 : Stopped();
   phonebook::BackUp(options.database, options.file);
   return 0;
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  try {
-    return Main(argc, argv);
-  } catch (const std::filesystem::filesystem_error& error) {
-    return Fail(spdlog::level::err, error.what());
-  } catch (const std::system_error& error) {
-    return Fail(spdlog::level::err, "can't create a thread: " + error.code().message());
-  } catch (const soci::soci_error& error) {
-    return Fail(spdlog::level::err, phonebook::MessageOf(error));
-  } catch (const std::exception& error) {
-    return Fail(spdlog::level::err, error.what());
-  }
+} catch (const std::filesystem::filesystem_error& error) {
+  return Fail(spdlog::level::err, error.what());
+} catch (const std::system_error& error) {
+  return Fail(spdlog::level::err, "can't create a thread: " + error.code().message());
+} catch (const soci::soci_error& error) {
+  return Fail(spdlog::level::err, phonebook::MessageOf(error));
+} catch (const std::exception& error) {
+  return Fail(spdlog::level::err, error.what());
 }

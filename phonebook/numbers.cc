@@ -16,7 +16,6 @@ namespace {
 using i18n::phonenumbers::PhoneNumber;
 using i18n::phonenumbers::PhoneNumberUtil;
 
-constexpr std::string_view kDigits = "0123456789";
 constexpr std::string_view kListSeparators = "/|,;";
 
 const PhoneNumberUtil& Library() {
@@ -46,7 +45,7 @@ std::string_view WithoutSecondNumber(std::string_view text) {
     if (next == text.npos) break;
     const auto before = text.substr(0, at);
     const auto digits = std::count_if(before.begin(), before.end(), [](char character) {
-      return kDigits.find(character) != kDigits.npos;
+      return character >= '0' && character <= '9';
     });
     const bool isAreaCode = digits <= 6 && before.find('0') == before.find_first_not_of(" (");
     if (text[next] == '+' || (text[next] == '0' && !isAreaCode)) return before;

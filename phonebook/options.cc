@@ -100,7 +100,7 @@ void AddCommands(CLI::App& app, Options& options) {
   backingUp->add_option("FILE", options.file, "new file of the copy")->required();
   importing->callback([&] { options.command = Options::Command::kImport; });
   backingUp->callback([&] { options.command = Options::Command::kBackUp; });
-}  // namespace
+}
 
 }  // namespace
 

@@ -37,10 +37,6 @@ std::string PageURI(const PageRequest& request, const std::string& page) {
   return HomeURI(request.base, request.maker) + page;
 }
 
-std::string PageURI(const PageRequest& request, const std::string& page, long long id) {
-  return PageURI(request, page + "/" + std::to_string(id));
-}
-
 const char* Translated(const PageRequest& request, const char* text) {
   return request.options->catalogue.Translate(text);
 }
@@ -93,19 +89,19 @@ std::string PositionOf(const ListedContact& contact) {
          TruncateToCharacters(contact.name.c_str(), kMaxKeyCharacters);
 }
 
-std::optional<Cursor> ParsePosition(const PageParam& param) {
-  const auto dash = std::min(param.position.find('-', 1), param.position.size());  // -1 is an id
-  const auto id = ParseId(param.position.substr(0, dash));
-  if (!id || dash == param.position.size()) return std::nullopt;
-  return Cursor{param.isAfter, CollationKey(param.position.substr(dash + 1)), id};
-}
-
-Cursor CursorOf(const PageRequest& request) {
+// @param takesLetter whether the position may also be a letter.
+Cursor CursorOf(const PageRequest& request, bool takesLetter = false) {
   const auto param = PageParamOf(request);
   if (!param) return {};
-  const auto cursor = ParsePosition(*param);
-  if (!cursor) throw HTTPError(400, kNoPosition);
-  return *cursor;
+  const auto& [isAfter, position] = *param;
+  const auto dash = std::min(position.find('-', 1), position.size());  // -1 is an id
+  const auto id = ParseId(position.substr(0, dash));
+  if (id && dash < position.size()) {
+    return {isAfter, CollationKey(position.substr(dash + 1)), id};
+  }
+  if (!takesLetter) throw HTTPError(400, kNoPosition);
+  const std::string key = PrefixKey(position);
+  return {isAfter, isAfter ? EndOfPrefix(key) : key};
 }
 
 // Links a page of a list to those before and after it; `uri` leads to the first page. The positions
@@ -190,7 +186,8 @@ PageResult Contacts(const PageRequest& request, const std::string& title, const 
     FrameContacts(menu, request, page, uri);
     menu.items.reserve(page.contacts.size());
     for (auto& contact : page.contacts) {
-      menu.items.push_back({std::move(contact.name), PageURI(request, "contact", contact.id)});
+      menu.items.push_back(
+          {std::move(contact.name), PageURI(request, "contact/" + std::to_string(contact.id))});
     }
     const char* const advice = page.end ? Marked("There may be more. Add a letter to the search?")
                                : menu.items.empty() ? Marked("Nobody found. Search again?")
@@ -204,13 +201,7 @@ PageResult Contacts(const PageRequest& request, const std::string& title, const 
 
 // A menu of letters, for phones without forms.
 PageResult Letters(const PageRequest& request) {
-  Cursor cursor;
-  if (const auto param = PageParamOf(request)) {
-    const std::string key = PrefixKey(param->position);
-    const Cursor letter = {param->isAfter, param->isAfter ? EndOfPrefix(key) : key};
-    cursor = ParsePosition(*param).value_or(letter);
-  }
-  return [request, cursor](Store& store) {
+  return [request, cursor = CursorOf(request, true)](Store& store) {
     const std::string uri = PageURI(request, "search");
     const LetterPage page = store.ListLetters(cursor, PageSizeOf(request));
     const auto& letters = page.letters;
@@ -290,7 +281,8 @@ Document ComposeCard(const PageRequest& request, long long id, const Contact& co
        {contact.telephone,
         contact.department.empty() ? Translated(request, "No department") : contact.department},
        DialString(contact.telephone, request.options->region),
-       {{SoftKeyRole::kDial, PageURI(request, "dial", id), Translated(request, "Dial")},
+       {{SoftKeyRole::kDial, PageURI(request, "dial/" + std::to_string(id)),
+         Translated(request, "Dial")},
         HomeKey(request)}});
 }
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <sstream>
 #include <utility>
 
 #include "phonebook/log.h"

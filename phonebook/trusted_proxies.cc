@@ -18,9 +18,8 @@ ip::address_v6 Mapped(const ip::address& address) {
 
 ip::network_v6 ParseNetwork(const std::string& text) {
   constexpr unsigned short kMappedBits = 96;
-  const bool isIPv6 = text.find(':') != text.npos;
   if (text.find('/') == text.npos) return {Mapped(ip::make_address(text)), 128};
-  if (isIPv6) return ip::make_network_v6(text).canonical();
+  if (text.find(':') != text.npos) return ip::make_network_v6(text).canonical();
   const auto network = ip::make_network_v4(text).canonical();
   return {Mapped(network.address()),
           static_cast<unsigned short>(network.prefix_length() + kMappedBits)};

@@ -12,9 +12,11 @@ namespace phonebook {
 
 class TrustedProxies {
  public:
+  TrustedProxies() = default;
+
   /// @param networks IP addresses, or networks such as "10.0.0.0/8".
   /// @throws boost::system::system_error when one is malformed.
-  explicit TrustedProxies(const std::vector<std::string>& networks = {});
+  explicit TrustedProxies(const std::vector<std::string>& networks);
 
   bool Contains(const boost::asio::ip::address& address) const;
 

@@ -5,25 +5,20 @@
 #include <uriparser/Uri.h>
 
 #include <algorithm>
+#include <boost/beast/core/string.hpp>
 #include <utility>
 
 namespace phonebook {
 
 namespace {
 
+using boost::beast::iequals;
 using teleform::screens::PercentDecode;
 using teleform::screens::PercentEncode;
 
 constexpr const char* kDigits = "0123456789";
 
 std::string TextOf(const UriTextRangeA& range) { return {range.first, range.afterLast}; }
-
-std::string Lowercase(std::string text) {
-  for (char& character : text) {
-    if (character >= 'A' && character <= 'Z') character += 'a' - 'A';
-  }
-  return text;
-}
 
 // Whether the digits are empty or a port.
 bool IsPort(const std::string& digits) {
@@ -65,8 +60,8 @@ class URL {
     if (!isValid || uri.scheme.first == nullptr || uri.hostText.first == uri.hostText.afterLast) {
       return false;
     }
-    const std::string scheme = Lowercase(TextOf(uri.scheme));
-    return (scheme == "http" || scheme == "https") && uri.userInfo.first == nullptr &&
+    const std::string scheme = TextOf(uri.scheme);
+    return (iequals(scheme, "http") || iequals(scheme, "https")) && uri.userInfo.first == nullptr &&
            IsPort(TextOf(uri.portText));
   }
 
@@ -77,7 +72,10 @@ class URL {
       std::copy_n(uri.hostData.ip6->data, bytes.size(), bytes.begin());
       return "[" + boost::asio::ip::address_v6(bytes).to_string() + "]";
     }
-    std::string name = Lowercase(TextOf(uri.hostText));
+    std::string name = TextOf(uri.hostText);
+    for (char& character : name) {
+      if (character >= 'A' && character <= 'Z') character += 'a' - 'A';
+    }
     if (name.back() == '.') name.pop_back();
     return uri.hostData.ipFuture.first == nullptr && IsHostName(name) ? name : "";
   }

@@ -82,7 +82,7 @@ class WorkerPool {
     Clock::duration average{};  // of the running time of tasks, without delivery
     std::size_t running = 0;
     std::size_t maxRunning = 0;
-    bool IsReady() const { return !queue.IsEmpty() && running < maxRunning; }
+    bool IsReady() const { return queue.Size() > 0 && running < maxRunning; }
   };
   struct Worker {
     explicit Worker(const std::string& database) : store(database) {}
