@@ -17,17 +17,15 @@ namespace http = boost::beast::http;
 using asio::ip::tcp;
 using boost::beast::error_code;
 
+using Message = http::request<http::string_body>;
+
 constexpr auto kNever = HTTPConnection::Clock::time_point::max();
 
 std::string TextOf(beast::string_view view) { return {view.data(), view.size()}; }
 
-template <typename Message>
-bool IsHTTP10(const Message& request) {
-  return request.version() < 11;
-}
+bool IsHTTP10(const Message& request) { return request.version() < 11; }
 
 // A field that comes several times is one list.
-template <typename Message>
 std::string JoinedFields(const Message& request, const char* name) {
   std::string all;
   const auto [begin, end] = request.equal_range(name);

@@ -176,10 +176,12 @@ PageResult Directory(const PageRequest& request) {
   };
 }
 
-// A menu of the contacts of a selection, each of which leads to its page. `uri` leads to the first
-// page of the menu.
-PageResult Contacts(const PageRequest& request, const std::string& title, const std::string& uri,
-                    const Selection& selection) {
+// A menu of what a search found, each contact of which leads to its page.
+// @param param that of the search, with its value.
+PageResult FoundContacts(const PageRequest& request, const std::string& param,
+                         const std::string& value, const Selection& selection) {
+  const std::string title = Translated(request, "Search") + (": " + value);
+  const std::string uri = PageURI(request, "search?") + param + "=" + PercentEncode(value);
   return [request, title, uri, selection, cursor = CursorOf(request)](Store& store) {
     ContactPage page = store.ListContacts(selection, cursor, PageSizeOf(request));
     Menu menu{title, {}, {HomeKey(request), SelectKey(request)}};
@@ -189,10 +191,9 @@ PageResult Contacts(const PageRequest& request, const std::string& title, const 
       menu.items.push_back(
           {std::move(contact.name), PageURI(request, "contact/" + std::to_string(contact.id))});
     }
-    const char* const advice = page.end ? Marked("There may be more. Add a letter to the search?")
-                               : menu.items.empty() ? Marked("Nobody found. Search again?")
-                                                    : nullptr;
-    if (advice != nullptr) {
+    if (page.end || menu.items.empty()) {
+      const char* const advice = page.end ? Marked("There may be more. Add a letter to the search?")
+                                          : Marked("Nobody found. Search again?");
       menu.items.push_back({Translated(request, advice), PageURI(request, "search")});
     }
     return ComposeMenu(request.maker, menu);
@@ -238,7 +239,6 @@ PageResult SearchForm(const PageRequest& request) {
 PageResult Search(const PageRequest& request) {
   const std::string name = ParamOf(request, "name");
   const std::string letter = ParamOf(request, "letter");
-  const std::string uri = PageURI(request, "search");
   if (!IsPlainText(name) || !IsPlainText(letter)) {
     throw HTTPError(400, Marked("The search is no text in UTF-8."));
   }
@@ -247,8 +247,7 @@ PageResult Search(const PageRequest& request) {
     throw HTTPError(400, Marked("A search has 64 characters at most."));
   }
   if (!letter.empty()) {
-    return Contacts(request, Translated(request, "Search") + (": " + letter),
-                    uri + "?letter=" + PercentEncode(letter), {PrefixKey(letter), {}});
+    return FoundContacts(request, "letter", letter, {PrefixKey(letter), {}});
   }
   if (name.empty()) return SearchForm(request);
   const auto words = TypedWordKeys(name);
@@ -257,8 +256,7 @@ PageResult Search(const PageRequest& request) {
   }
   Selection selection{"", {words.begin(), words.end()}};
   if (words.empty()) selection.prefix = EndOfPrefix("");  // punctuation alone matches nobody
-  return Contacts(request, Translated(request, "Search") + (": " + name),
-                  uri + "?name=" + PercentEncode(name), selection);
+  return FoundContacts(request, "name", name, selection);
 }
 
 // A page of the contact whose id is the last segment of the path.

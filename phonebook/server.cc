@@ -123,7 +123,7 @@ Server::Server(const std::string& database, ServerOptions theOptions)
   http.CallEvery(std::chrono::seconds(1), [this] {
     LogOmitted();
     Probe();
-    served = Metrics::Clock::now().time_since_epoch().count();
+    served = Metrics::Clock::now();
   });
 }
 
@@ -293,8 +293,7 @@ void Server::Probe() {
 
 bool Server::IsServing() const {
   constexpr std::chrono::seconds kTimeout(5);
-  const Metrics::Clock::time_point last{Metrics::Clock::duration(served)};
-  return Metrics::Clock::now() - last < kTimeout;
+  return Metrics::Clock::now() - served.load() < kTimeout;
 }
 
 std::string Server::Failure() const {

@@ -95,7 +95,7 @@ class Server {
   DatabaseState state;
   std::atomic<bool> isProbing = false;
   unsigned probes = 0;
-  std::atomic<Metrics::Clock::rep> served = Metrics::Clock::now().time_since_epoch().count();
+  std::atomic<Metrics::Clock::time_point> served = Metrics::Clock::now();
   HTTPServer http;
   WorkerPool workers;
   std::atomic<bool> isIndexing = false;
