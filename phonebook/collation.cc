@@ -189,10 +189,8 @@ Letter LetterOf(std::string_view name, const std::string& collationKey) {
   // Some characters are letters, but their compatible ones are not, such as ῭.
   for (icu::UnicodeString text : {Compatible(start), start}) {
     for (; text.length() > 0; text.remove(0, text.moveIndex32(0, 1))) {
-      std::string label = LabelOf(text.char32At(0), collationKey);
-      if (label.empty()) continue;
-      std::string key = PrefixKey(label);
-      return {std::move(label), std::move(key)};
+      const std::string label = LabelOf(text.char32At(0), collationKey);
+      if (!label.empty()) return {label, PrefixKey(label)};
     }
   }
   constexpr char kEndOfLetters = '\x01';  // in a key; accents and case follow

@@ -125,11 +125,8 @@ void PrintAddresses(const std::string& host, const std::string& admin, bool hasP
   constexpr int kTimeout = 100;  // milliseconds
   pollfd file{STDOUT_FILENO, POLLOUT, 0};
   if (poll(&file, 1, kTimeout) <= 0) return;
-  std::cout << "phonebook: listening on " << host << "; for each maker, try\n";
-  std::istringstream addresses(phonebook::Addresses("http://" + host));
-  for (std::string address; std::getline(addresses, address);) {
-    std::cout << "  curl " << address << "\n";
-  }
+  std::cout << "phonebook: listening on " << host << "; for each maker, try\n"
+            << phonebook::Addresses("  curl http://" + host);
   if (!admin.empty()) std::cout << "for a monitor, http://" << admin << "/health and /metrics\n";
   if (hasPreview) std::cout << "and, in a browser, http://" << host << "/preview\n";
   std::cout << std::flush;

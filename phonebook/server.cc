@@ -132,8 +132,7 @@ std::string Server::Listen() {
   // No client can call the wildcard address.
   const std::string& given = options.address;
   const std::string address = given == "0.0.0.0" ? "127.0.0.1" : given == "::" ? "::1" : given;
-  const bool isIPv6 = address.find(':') != address.npos;
-  const std::string name = isIPv6 ? "[" + address + "]" : address;
+  const std::string name = address.find(':') != address.npos ? "[" + address + "]" : address;
   ownHost =
       (options.hosts.empty() ? name : options.hosts.front()) + ":" + std::to_string(options.port);
   return ownHost;
@@ -283,10 +282,8 @@ void Server::Probe() {
                     return Response{};
                   },
                   [this](const Response&, const std::exception_ptr& error) {
-                    {
-                      const std::lock_guard lock(mutex);
-                      if (error) state.failure = ReasonOf(error);
-                    }
+                    const std::lock_guard lock(mutex);
+                    if (error) state.failure = ReasonOf(error);
                     isProbing = false;
                   }});
 }

@@ -104,7 +104,7 @@ class Server {
 };
 
 /// The URLs of the home pages of all makers, one a line.
-/// @param server "http://" and the host.
+/// @param server what each line begins with: "http://" and the host.
 std::string Addresses(const std::string& server);
 
 }  // namespace phonebook
