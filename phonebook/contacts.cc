@@ -50,7 +50,13 @@ class Collector {
   explicit Collector(std::string theSource) : source(std::move(theSource)) {}
 
   void AddFault(int line, const std::string& reason) {
-    faults += (faults.empty() ? "" : "\n") + source + ":" + std::to_string(line) + ": " + reason;
+    constexpr int kMaxFaults = 1000;  // more than a person reads
+    if (++count > kMaxFaults) {
+      more =
+          "\n" + source + ": " + std::to_string(count - kMaxFaults) + " more lines are malformed";
+    } else {
+      faults += (faults.empty() ? "" : "\n") + source + ":" + std::to_string(line) + ": " + reason;
+    }
   }
 
   void Add(int line, Contact contact) {
@@ -72,14 +78,15 @@ class Collector {
 
   // @throws std::runtime_error when there were faults.
   std::vector<Contact> Collected() {
-    if (!faults.empty()) throw std::runtime_error(faults);
+    if (!faults.empty()) throw std::runtime_error(faults + more);
     if (contacts.empty()) throw std::runtime_error(source + ": no contacts in it");
     return std::move(contacts);
   }
 
  private:
   std::string source;
-  std::string faults;
+  int count = 0;  // of faults
+  std::string faults, more;
   std::vector<Contact> contacts;
   std::unordered_map<std::string, int> lines;  // by key
 };
@@ -87,10 +94,11 @@ class Collector {
 // Parses either format line by line, by libcsv, which knows no line numbers.
 class Parser {
  public:
+  static constexpr char kNoQuote = '\x01';  // as there must be one
+
   // @param separator none for lines with tabs, without a header and quotes.
   Parser(Collector& theCollector, std::optional<char> separator)
       : collector(theCollector), isCSV(separator) {
-    constexpr unsigned char kNoQuote = '\x01';
     if (csv_init(&parser, isCSV ? CSV_STRICT | CSV_STRICT_FINI : 0) != 0) throw std::bad_alloc();
     csv_set_delim(&parser, static_cast<unsigned char>(separator.value_or('\t')));
     if (isCSV) return;
@@ -102,11 +110,12 @@ class Parser {
   Parser& operator=(const Parser&) = delete;
 
   // @return false when nothing that follows can be parsed.
-  bool ParseLine(const std::string& line) {
+  bool ParseLine(std::string line) {
     constexpr int kNoRow = 0;
     ++number;
     if (parser.pstate == kNoRow) first = number;
     if (!isCSV && line.front() == '#') return true;
+    if (!isCSV) std::replace(line.begin(), line.end(), kNoQuote, ' ');
     const bool isParsed =
         csv_parse(&parser, line.data(), line.size(), &AddField, &AddRow, this) == line.size();
     if (!isParsed) collector.AddFault(number, "a quote is neither doubled nor around a field");

@@ -29,7 +29,7 @@ using ContactField = std::string Contact::*;
 /// A name and a telephone must not be empty, and a key not be repeated.
 /// @param source the name of the stream in messages, such as a file name.
 /// @throws std::runtime_error when reading fails, there are no contacts, or lines are malformed.
-/// The message then has a line for each of them.
+/// The message then has a line for each of them, for 1,000 at most.
 std::vector<Contact> ReadContacts(std::istream& contacts, const std::string& source);
 
 /// Reads contacts from the file at `path`.
