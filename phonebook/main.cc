@@ -24,7 +24,7 @@
 #include "phonebook/contacts.h"
 #include "phonebook/database/backup.h"
 #include "phonebook/database/connection.h"
-#include "phonebook/database/replacement.h"
+#include "phonebook/database/import.h"
 #include "phonebook/database/store.h"
 #include "phonebook/log.h"
 #include "phonebook/options.h"
@@ -48,61 +48,52 @@ void ShowProgress(std::size_t done, std::size_t total) {
             << std::flush;
 }
 
+struct Stopped {};  // by a signal
+
+phonebook::Differences CreateOrOpen(phonebook::Store& store,
+                                    const std::vector<phonebook::Contact>& contacts,
+                                    phonebook::ImportMode mode, Signals& signals) {
+  const auto stopping = signals.OnStop([&] { store.Interrupt(); });
+  const auto report = [&](std::size_t done, std::size_t total) {
+    ShowProgress(done, total);
+    if (signals.isStopped) throw Stopped();
+  };
+  return store.CreateOrOpen(contacts, report, mode);
+}
+
 // Creates the database from the contacts in a file, or from samples, unless it exists.
-// @return false when a signal stopped it.
-bool CreateOrOpen(const Options& options, Signals& signals) {
+void CreateOrOpen(const Options& options, Signals& signals) {
   std::istringstream samples(phonebook::kSampleContacts);
   const auto contacts = options.contacts.empty()
                             ? phonebook::ReadContacts(samples, "the sample contacts")
                             : phonebook::ReadContacts(options.contacts);
   phonebook::Store store(options.database);
-  const auto stopping = signals.OnStop([&] { store.Interrupt(); });
-  bool isImported = false;
-  const bool isOpened = store.CreateOrOpen(contacts, [&](std::size_t done, std::size_t total) {
-    ShowProgress(done, total);
-    isImported = isImported || done > 0;
-    return !signals.isStopped;
-  });
-  if (isOpened && !isImported && !options.contacts.empty()) {
-    phonebook::Log(spdlog::level::warn,
-                   "the option --contacts does nothing, as the database exists: run phonebook "
-                   "import " +
-                       options.contacts);
-  }
-  return isOpened;
+  const auto differences =
+      CreateOrOpen(store, contacts, phonebook::ImportMode::kUnlessItExists, signals);
+  if (differences.added > 0 || options.contacts.empty()) return;
+  phonebook::Log(spdlog::level::warn,
+                 "the option --contacts does nothing, as the database exists: run phonebook "
+                 "import " +
+                     options.contacts);
 }
 
 // Makes the contacts those of a file.
-// @return false when a signal stopped it.
-bool Import(const Options& options, Signals& signals) {
-  auto contacts = phonebook::ReadContacts(options.file);
-  const std::size_t count = contacts.size();
+void Import(const Options& options, Signals& signals) {
+  const auto contacts = phonebook::ReadContacts(options.file);
+  const auto mode =
+      options.isForced ? phonebook::ImportMode::kForce : phonebook::ImportMode::kReplace;
   phonebook::Store store(options.database);
-  const auto report = [&](std::size_t done, std::size_t total) {
-    ShowProgress(done, total);
-    return !signals.isStopped;
-  };
-  {
-    const auto stopping = signals.OnStop([&] { store.Interrupt(); });
-    if (!store.CreateOrOpen({}, report)) return false;
-  }
-  phonebook::DatabaseConnection connection(options.database);
-  const auto stopping = signals.OnStop([&] { connection.Interrupt(); });
-  try {
-    connection.Open();
-    const auto differences = phonebook::Replace(connection, std::move(contacts), options.isForced,
-                                                [&](std::size_t done, std::size_t total) {
-                                                  if (!report(done, total))
-                                                    throw std::runtime_error("stopped");
-                                                });
-    std::cout << "phonebook: " << differences.added << " added, " << differences.changed
-              << " changed, " << differences.removed << " removed, "
-              << count - differences.added - differences.changed << " unchanged\n";
-    return true;
-  } catch (const std::exception&) {
-    if (signals.isStopped) return false;
-    throw;
-  }
+  const auto differences = CreateOrOpen(store, contacts, mode, signals);
+  std::cout << "phonebook: " << differences.added << " added, " << differences.changed
+            << " changed, " << differences.removed << " removed, "
+            << contacts.size() - differences.added - differences.changed << " unchanged\n";
+}
+
+void BackUp(const Options& options, Signals& signals) {
+  const auto stopping = signals.OnStop([] {});
+  phonebook::BackUp(options.database, options.file, [&] {
+    if (signals.isStopped) throw Stopped();
+  });
 }
 
 // Allows as many open files as the system does, and leaves the database those that it needs.
@@ -141,8 +132,6 @@ int Fail(spdlog::level::level_enum level, const std::string& reason) {
   return EXIT_FAILURE;
 }
 
-int Stopped() { return Fail(spdlog::level::warn, "stopped; the database is unchanged"); }
-
 int Serve(Options& options, Signals& signals) {
   // Returns the memory of large responses to the system: 118 MB instead of 176 MB stay after 1,500
   // clients that read nothing of a page of 1 MB.
@@ -151,7 +140,7 @@ int Serve(Options& options, Signals& signals) {
   LimitConnections(options.server);
   phonebook::Server server(options.database, options.server);
   const std::string host = server.Listen();
-  if (!CreateOrOpen(options, signals)) return Stopped();
+  CreateOrOpen(options, signals);
   std::optional<phonebook::AdminServer> admin(std::in_place, options.admin, options.server.hosts,
                                               server);
   PrintAddresses(host, admin->Address(), !options.server.isPreviewOff);
@@ -174,10 +163,19 @@ int main(int argc, char** argv) try {
   signal(SIGHUP, SIG_IGN);  // the terminal may close
   signal(SIGPIPE, SIG_IGN);
   signal(SIGXFSZ, SIG_IGN);  // the write fails
-  if (options.command == Options::Command::kServe) return Serve(options, signals);
-  if (options.command == Options::Command::kImport) return Import(options, signals) ? 0 : Stopped();
-  phonebook::BackUp(options.database, options.file);
-  return 0;
+  switch (options.command) {
+    case Options::Command::kImport:
+      Import(options, signals);
+      return 0;
+    case Options::Command::kBackUp:
+      BackUp(options, signals);
+      return 0;
+    case Options::Command::kServe:
+      break;
+  }
+  return Serve(options, signals);
+} catch (const Stopped&) {
+  return Fail(spdlog::level::warn, "stopped; the database is unchanged");
 } catch (const std::filesystem::filesystem_error& error) {
   return Fail(spdlog::level::err, error.what());
 } catch (const std::system_error& error) {

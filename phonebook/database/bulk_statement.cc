@@ -36,9 +36,9 @@ BulkStatement::BulkStatement(soci::session& session, const Dialect& dialect,
   const std::string table = "unnest(" + arrays + ") AS r (" + names + ")";
   const std::string select = "SELECT * FROM " + table;
   Prepare(statement,
-          sqlOf(isByArrays ? Rows{select, table, "IN (" + select + ")"}
-                           : Rows{"VALUES (" + parameters + ")", "(SELECT " + columns + ") AS r",
-                                  "= (" + parameters + ")"}));
+          sqlOf(isByArrays ? Rows{names, select, table, "IN (" + select + ")"}
+                           : Rows{names, "VALUES (" + parameters + ")",
+                                  "(SELECT " + columns + ") AS r", "= (" + parameters + ")"}));
 }
 
 void BulkStatement::Add(const std::vector<std::string_view>& row) {

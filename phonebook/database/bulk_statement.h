@@ -25,6 +25,7 @@ class BulkStatement {
 
   /// How a statement names its rows.
   struct Rows {
+    std::string names;    ///< Of the fields.
     std::string values;   ///< As INSERT takes them.
     std::string table;    ///< As FROM takes them: the table `r`.
     std::string isAmong;  ///< Behind columns in parentheses: whether they are a row.

@@ -70,6 +70,7 @@ void DatabaseConnection::OpenFile() {
   if (encoding != "UTF-8") {
     throw DatabaseUnavailable("the encoding of " + database + " is " + encoding + ", not UTF-8");
   }
+  session << "PRAGMA foreign_keys = ON";  // of tables that others hang on contacts
   file = static_cast<soci::sqlite3_session_backend*>(session.get_backend())->conn_;
 }
 

@@ -1,5 +1,5 @@
 /// @file
-/// The import of contacts into empty tables.
+/// The import of contacts, which replaces all others. Those that stay keep their ids.
 #pragma once
 
 #include <soci/soci.h>
@@ -16,17 +16,24 @@ namespace phonebook {
 /// Told how many of `total` steps are done. What it throws ends the import.
 using ImportReporter = std::function<void(std::size_t done, std::size_t total)>;
 
-/// Creates the tables, fills them with `contacts`, indexed, and with sample notices
-/// unless there are none, in a
-/// transaction of the caller.
-void Import(soci::session& session, const Dialect& dialect, const std::vector<Contact>& contacts,
-            const ImportReporter& report);
+enum class ImportMode {
+  kUnlessItExists,  ///< Fills a new database.
+  kReplace,         ///< Also makes an existing one equal, unless that removes more than half of it.
+  kForce,           ///< Also makes an existing one equal.
+};
 
-/// Fills `contacts` and `search_keys`, which are empty, in a transaction of the caller. Triggers
-/// must not be active.
-/// @param ids those of `contacts`.
-void InsertIndexed(soci::session& session, const Dialect& dialect,
-                   const std::vector<Contact>& contacts, const std::vector<long long>& ids,
-                   const ImportReporter& report);
+/// How many contacts an import adds, changes and removes.
+struct Differences {
+  std::size_t added = 0, changed = 0, removed = 0;
+};
+
+/// Makes the phone book equal to `contacts`, indexed, in a transaction of the caller. Contacts of
+/// the same key stay, where contacts have keys, and of the others those of the same name,
+/// preferably with the same telephone and department. If none of `contacts` has a key, those that
+/// stay keep theirs. Only contacts that differ are written.
+/// @throws std::runtime_error when more than half of the contacts would be removed, unless `mode`
+/// is `kForce`.
+Differences Import(soci::session& session, const Dialect& dialect, std::vector<Contact> contacts,
+                   ImportMode mode, const ImportReporter& report);
 
 }  // namespace phonebook

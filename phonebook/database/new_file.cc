@@ -22,7 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kInfix = ".import-";
 constexpr const char* kCompanions[] = {"-journal", "-wal", "-shm"};  // of a file of SQLite
 
 [[noreturn]] void Throw(const std::string& path) {
@@ -53,21 +52,27 @@ void RemoveUnlocked(const std::string& path) {
   close(descriptor);
 }
 
-std::string RandomSuffix() {
+// The name of a new file, but for eight digits at its end.
+std::string PrefixOf(const fs::path& target) {
+  return "." + target.filename().string() + ".phonebook-import-";
+}
+
+std::string RandomDigits() {
   std::random_device device;
   char text[9];
   std::snprintf(text, sizeof text, "%08x", device());
   return text;
 }
 
-void RemoveLeftovers(const std::string& target) {
-  const fs::path path = fs::absolute(target);
-  const std::string prefix = path.filename().string() + kInfix;
+void RemoveLeftovers(const fs::path& target) {
+  const std::string prefix = PrefixOf(target);
   std::error_code error;
-  for (const auto& entry : fs::directory_iterator(path.parent_path(), error)) {
+  for (const auto& entry : fs::directory_iterator(target.parent_path(), error)) {
     const std::string name = entry.path().filename().string();
-    const bool isOurs = name.size() == prefix.size() + RandomSuffix().size();
-    if (isOurs && name.compare(0, prefix.size(), prefix) == 0) RemoveUnlocked(entry.path());
+    const bool isOurs = name.size() == prefix.size() + RandomDigits().size() &&
+                        name.compare(0, prefix.size(), prefix) == 0 &&
+                        name.find_first_not_of("0123456789abcdef", prefix.size()) == name.npos;
+    if (isOurs) RemoveUnlocked(entry.path());
   }
 }
 
@@ -103,9 +108,10 @@ bool IsDatabaseMissing(const std::string& path) {
 }
 
 NewFile::NewFile(std::string theTarget) : target(std::move(theTarget)) {
-  RemoveLeftovers(target);
+  const fs::path whole = fs::absolute(target);
+  RemoveLeftovers(whole);
   while (descriptor == -1) {
-    path = target + kInfix + RandomSuffix();
+    path = whole.parent_path() / (PrefixOf(whole) + RandomDigits());
     descriptor = open(path.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, 0666);
     if (descriptor == -1 && errno != EEXIST) Throw(target);
     if (descriptor == -1 || Lock(descriptor)) continue;
@@ -120,14 +126,22 @@ NewFile::~NewFile() {
   close(descriptor);
 }
 
-void NewFile::Publish() {
+void NewFile::Sync() {
+  if (fsync(descriptor) != 0) Throw(path);
+}
+
+bool NewFile::Publish() {
   for (const char* companion : kCompanions) {
     if (Exists(path + companion)) throw DatabaseUnavailable(path + companion + " is left");
   }
-  if (fsync(descriptor) != 0) Throw(path);
-  if (!IsDatabaseMissing(target)) return;
-  if (!Link(path, target) && errno != EEXIST) Throw(target);
+  Sync();
+  if (!IsDatabaseMissing(target)) return false;
+  if (!Link(path, target)) {
+    if (errno == EEXIST) return false;
+    Throw(target);
+  }
   SyncDirectoryOf(target);
+  return true;
 }
 
 }  // namespace phonebook

@@ -24,9 +24,13 @@ class NewFile {
   /// Where to write the file.
   const std::string& Path() const { return path; }
 
+  /// Waits until what has been written of the file is on the disk.
+  void Sync();
+
   /// Gives the closed file its name, unless another has it already: that one stays.
+  /// @return whether the file got its name.
   /// @throws DatabaseUnavailable when there is an error.
-  void Publish();
+  bool Publish();
 
  private:
   std::string target, path;

@@ -16,7 +16,6 @@
 #include <soci/soci.h>
 
 #include <array>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -69,15 +68,13 @@ struct Dialect {
   /// @{
   std::string countTables, countTriggers, countIndexes;
   /// @}
-  std::vector<std::string> grants;             ///< What other roles may do.
-  std::vector<std::string> renames;            ///< Specific to an upgrade from version 1.
-  std::vector<SchemaObject> triggers;          ///< On `contacts`.
-  std::vector<SchemaObject> indexes;           ///< Created after an import, which is faster.
-  std::string lockContacts;                    ///< Keeps others from writing in a transaction.
-  std::vector<std::string> beforeReplacement;  ///< Ends triggers, which would act on each contact.
-  std::vector<std::string> afterReplacement;   ///< Restores what `beforeReplacement` has ended.
-  std::vector<std::string> afterImport;        ///< In its transaction.
-  std::vector<std::string> afterCommit;        ///< Of an import.
+  std::vector<std::string> grants;         ///< What other roles may do.
+  std::vector<std::string> renames;        ///< Specific to an upgrade from version 1.
+  std::vector<SchemaObject> triggers;      ///< On `contacts`.
+  std::vector<SchemaObject> indexes;       ///< Created after an import, which is faster.
+  std::vector<std::string> beforeImport;   ///< Keeps others from writing; ends own triggers.
+  std::vector<std::string> afterImport;    ///< In its transaction, restores the triggers.
+  std::vector<std::string> afterCreation;  ///< Once it is committed.
 };
 
 /// The dialect of a database as `Store` takes it.
@@ -87,12 +84,8 @@ const Dialect& DialectOf(const std::string& database);
 /// @throws std::runtime_error when the version is newer than `kSchemaVersion`, or can't be told.
 int FindSchemaVersion(soci::session& session, const Dialect& dialect);
 
-/// Creates the tables, without triggers and indexes.
+/// Creates the tables and triggers, without indexes.
 void CreateTables(soci::session& session, const Dialect& dialect);
-
-/// Creates the triggers and indexes, and calls `afterEach` after each statement.
-void CreateTriggersAndIndexes(soci::session& session, const Dialect& dialect,
-                              const std::function<void()>& afterEach);
 
 /// Upgrades a database of the version `from` to `kSchemaVersion`, in a transaction of the caller.
 /// @throws std::runtime_error when the database has other tables than that version.

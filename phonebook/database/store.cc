@@ -6,14 +6,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <condition_variable>
 #include <cstring>
 #include <exception>
-#include <thread>
+#include <future>
 #include <utility>
 
 #include "phonebook/database/connection.h"
-#include "phonebook/database/import.h"
 #include "phonebook/database/new_file.h"
 #include "phonebook/database/queries.h"
 #include "phonebook/database/schema.h"
@@ -28,7 +26,10 @@ using Clock = std::chrono::steady_clock;
 constexpr const char* kSchemeCharacters =
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789+.-";
 
-class Stopped {};
+constexpr const char* kSampleNotices =
+    "INSERT INTO notices (name, text) VALUES"
+    " ('message', 'Lunch today: soup & bread.\nThe canteen is open from 11:30 to 14:00.'),"
+    " ('alert', 'Fire drill at noon. Please use the stairs.')";
 
 // Refuses what is neither a path nor a URI of PostgreSQL, without repeating what may be a password.
 void ExpectPath(const std::string& database) {
@@ -40,34 +41,6 @@ void ExpectPath(const std::string& database) {
   throw std::runtime_error(
       "the database must be the path of a file, or a URI that begins with postgresql://");
 }
-
-// Calls a function after some seconds, unless it is destroyed before.
-class Watchdog {
- public:
-  explicit Watchdog(std::function<void()> bark) {
-    timer = std::thread([this, bark = std::move(bark)] {
-      constexpr std::chrono::seconds kTimeout(10);
-      std::unique_lock lock(mutex);
-      if (!wake.wait_for(lock, kTimeout, [this] { return isOver; })) bark();
-    });
-  }
-  ~Watchdog() {
-    {
-      const std::lock_guard lock(mutex);
-      isOver = true;
-    }
-    wake.notify_one();
-    timer.join();
-  }
-  Watchdog(const Watchdog&) = delete;
-  Watchdog& operator=(const Watchdog&) = delete;
-
- private:
-  std::mutex mutex;
-  std::condition_variable wake;
-  bool isOver = false;
-  std::thread timer;
-};
 
 void Upgrade(DatabaseConnection& connection, int version) {
   try {
@@ -107,23 +80,36 @@ void AwaitTransaction(std::optional<Transaction>& transaction, DatabaseConnectio
   }
 }
 
-void CreateOrUpgrade(DatabaseConnection& connection, const std::vector<Contact>& contacts,
-                     const ImportReporter& report) {
+Differences CreateOrUpgrade(DatabaseConnection& connection, const std::vector<Contact>& contacts,
+                            ImportMode mode, const ImportReporter& report) {
   soci::session& session = connection.session;
   const Dialect& dialect = connection.dialect;
   std::optional<Transaction> transaction;
   AwaitTransaction(transaction, connection, report);
   if (!dialect.lockSchema.empty()) session << dialect.lockSchema;
   const int version = FindSchemaVersion(session, dialect);  // others may have been faster
+  Differences differences;
   if (version == 0) {
-    Import(session, dialect, contacts, report);
+    CreateTables(session, dialect);
   } else if (version < kSchemaVersion) {
     Upgrade(connection, version);
   }
+  if (version == 0 || mode != ImportMode::kUnlessItExists) {
+    differences = Import(session, dialect, contacts, mode, report);
+  }
+  if (version == 0) {
+    for (const auto& index : dialect.indexes) {
+      session << index.sql;
+      report(contacts.size(), contacts.size());
+    }
+    if (mode == ImportMode::kUnlessItExists) session << kSampleNotices;
+  }
   Validate(connection);
   transaction->Commit();
-  if (version > 0) return;
-  for (const auto& sql : dialect.afterCommit) session << sql;
+  if (version == 0) {
+    for (const auto& sql : dialect.afterCreation) session << sql;
+  }
+  return differences;
 }
 
 }  // namespace
@@ -177,21 +163,19 @@ Result Store::RunUnlessInterrupted(const std::function<Result(Opened&)>& query) 
   }
 }
 
-bool Store::CreateOrOpen(const std::vector<Contact>& contacts, const ImportProgress& progress) {
-  const ImportReporter report = [&](std::size_t done, std::size_t total) {
-    if (!progress(done, total)) throw Stopped();
-  };
+Differences Store::CreateOrOpen(const std::vector<Contact>& contacts, const ImportReporter& report,
+                                ImportMode mode) {
   try {
+    std::optional<Differences> created;
     if (!dialect.isPostgreSQL) {
       ExpectPath(database);
-      if (IsDatabaseMissing(database)) ImportIntoNewFile(contacts, report);
+      if (IsDatabaseMissing(database)) created = ImportIntoNewFile(contacts, mode, report);
     }
-    OpenOrUpgrade(contacts, report);
-    return true;
-  } catch (const Stopped&) {
-    return false;
+    if (created) mode = ImportMode::kUnlessItExists;
+    const auto differences = OpenOrUpgrade(contacts, mode, report);
+    return created.value_or(differences);
   } catch (const std::exception&) {
-    if (!progress(0, 1)) return false;
+    report(0, 1);
     if (isInterrupted) throw DatabaseUnavailable("the database takes too long to answer");
     throw;
   }
@@ -199,12 +183,15 @@ bool Store::CreateOrOpen(const std::vector<Contact>& contacts, const ImportProgr
 
 // Nothing is under the name of the database before it is whole and closed: a half one would be
 // opened by others, and its journal would be applied to the next file of that name.
-void Store::ImportIntoNewFile(const std::vector<Contact>& contacts, const ImportReporter& report) {
+// Returns nothing when another process was faster.
+std::optional<Differences> Store::ImportIntoNewFile(const std::vector<Contact>& contacts,
+                                                    ImportMode mode, const ImportReporter& report) {
   NewFile file(database);
+  Differences differences;
   try {
     Connect(file.Path());
     opened->connection.session << "PRAGMA journal_mode = MEMORY";  // nobody else reads the file
-    CreateOrUpgrade(opened->connection, contacts, report);
+    differences = CreateOrUpgrade(opened->connection, contacts, mode, report);
     Disconnect();
   } catch (const soci::soci_error& error) {
     Disconnect();
@@ -214,21 +201,27 @@ void Store::ImportIntoNewFile(const std::vector<Contact>& contacts, const Import
     throw;
   }
   report(1, 1);
-  file.Publish();
+  return file.Publish() ? std::optional(differences) : std::nullopt;
 }
 
-void Store::OpenOrUpgrade(const std::vector<Contact>& contacts, const ImportReporter& report) {
+Differences Store::OpenOrUpgrade(const std::vector<Contact>& contacts, ImportMode mode,
+                                 const ImportReporter& report) {
   // Nobody else ends a wait of the first connection.
-  std::optional<Watchdog> watchdog(std::in_place, [this] { Interrupt(); });
-  RunUnlessInterrupted<bool>([&](Opened& store) {
+  std::future<void> watchdog;
+  std::promise<void> isOpening;  // ready once it is destroyed
+  watchdog = std::async(std::launch::async, [this, end = isOpening.get_future()] {
+    constexpr std::chrono::seconds kTimeout(10);
+    if (end.wait_for(kTimeout) == std::future_status::timeout) Interrupt();
+  });
+  return RunUnlessInterrupted<Differences>([&](Opened& store) {
     DatabaseConnection& connection = store.connection;
-    if (FindSchemaVersion(connection.session, connection.dialect) == kSchemaVersion) {
+    const int version = FindSchemaVersion(connection.session, connection.dialect);
+    if (version == kSchemaVersion && mode == ImportMode::kUnlessItExists) {
       Validate(connection);
-    } else {
-      watchdog.reset();
-      CreateOrUpgrade(connection, contacts, report);
+      return Differences();
     }
-    return true;
+    isOpening = {};
+    return CreateOrUpgrade(connection, contacts, mode, report);
   });
 }
 

@@ -17,13 +17,11 @@
 
 #include "phonebook/collation.h"
 #include "phonebook/contacts.h"
+#include "phonebook/database/import.h"
 #include "phonebook/database/selection.h"
 #include "phonebook/database/unavailable.h"
 
 namespace phonebook {
-
-struct Dialect;
-using ImportReporter = std::function<void(std::size_t done, std::size_t total)>;
 
 /// Whether there are pages before and after a page.
 struct PageNeighbors {
@@ -50,9 +48,6 @@ struct ContactCounts {
   long long pending = 0;  ///< That are not indexed.
 };
 
-/// Reports progress of an import: how many of `total` steps are done. Returning false stops it.
-using ImportProgress = std::function<bool(std::size_t done, std::size_t total)>;
-
 /// A connection to a phone book in SQLite or PostgreSQL, opened by the first query and again after
 /// it was lost. Any number of stores and of programs that write contacts by SQL can share a
 /// database. A store must not be used by two threads at once, except for `Interrupt`. Every
@@ -65,14 +60,15 @@ class Store {
   explicit Store(std::string database);
   ~Store();
 
-  /// Opens the database. A new one is created and filled with `contacts` and sample notices; one of
-  /// an earlier version is upgraded. Any number of processes may do so at the same time. A failed
-  /// or stopped call leaves the database as it was; a file appears under its name only when it is
-  /// whole. To stop it, let `progress` return false and call `Interrupt`.
-  /// @throws std::runtime_error when the database has other tables or a newer version, or when a
-  /// file is missing, but not its journal.
-  /// @return false when `progress` stopped it.
-  bool CreateOrOpen(const std::vector<Contact>& contacts, const ImportProgress& progress);
+  /// Opens the database. A new one is created and filled with `contacts` and, unless `mode` says
+  /// that they are imported, sample notices; one of an earlier version is upgraded. Any number of
+  /// processes may do so at the same time. A failed or stopped call leaves the database as it was;
+  /// a file appears under its name only when it is whole. To stop it, let `report` throw and call
+  /// `Interrupt`.
+  /// @throws std::runtime_error when the database has other tables or a newer version, when a file
+  /// is missing, but not its journal, or when an import would remove too many contacts.
+  Differences CreateOrOpen(const std::vector<Contact>& contacts, const ImportReporter& report,
+                           ImportMode mode = ImportMode::kUnlessItExists);
 
   /// Up to `size` contacts of `selection` beyond `cursor`, in the order of their names. None is
   /// missing between the first and the last page, but a search for common words may look only at
@@ -107,8 +103,10 @@ class Store {
   Result Run(const std::function<Result(Opened&)>& query);
   template <typename Result>
   Result RunUnlessInterrupted(const std::function<Result(Opened&)>& query);
-  void ImportIntoNewFile(const std::vector<Contact>& contacts, const ImportReporter& report);
-  void OpenOrUpgrade(const std::vector<Contact>& contacts, const ImportReporter& report);
+  std::optional<Differences> ImportIntoNewFile(const std::vector<Contact>& contacts,
+                                               ImportMode mode, const ImportReporter& report);
+  Differences OpenOrUpgrade(const std::vector<Contact>& contacts, ImportMode mode,
+                            const ImportReporter& report);
   void Connect(const std::string& path);
   void Disconnect();
   bool IsConnected();

@@ -3,6 +3,7 @@
 #include <soci/soci.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <future>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "phonebook/contacts.h"
+#include "phonebook/database/backup.h"
 #include "phonebook/tests/parsed_page.h"
 #include "phonebook/tests/phone_book.h"
 
@@ -28,6 +30,7 @@ TEST(ContactFiles, AreReadOrRefusedWithAllFaults) {
       {"\"name\"\t\"telephone\"\t\"department\"\nA\t1\t\"two\r\nlines\"\nB\t2\t\n",
        "A|1|two  lines|;B|2||;"},
       {"# name, telephone\nA \"B\"\t1\t\nC, D\t2\tE\t9\n", "A \"B\"|1||;C, D|2|E|9;"},
+      {"A\t\x01\x31\t\x01\nB\t2\t\n", "A|1||;B|2||;"},
       {"name,telephone,key\n\"A\nB\",1,7\n,2,\nC,,\n\nD,3,7\nE\n\xff,4,\n",
        "f:4: the name is empty\nf:5: the telephone is empty\nf:7: the key is that of line 2\n"
        "f:8: expected 3 fields as in the header, not 1\nf:9: this is not UTF-8"},
@@ -53,6 +56,17 @@ TEST(ContactFiles, AreReadOrRefusedWithAllFaults) {
       read = error.what();
     }
     EXPECT_EQ(read, expected) << content;
+  }
+  std::string faults(2002, '\n');
+  for (std::size_t i = 0; i < faults.size(); i += 2) faults[i] = '\t';
+  std::istringstream file(faults);
+  try {
+    ReadContacts(file, "f");
+    ADD_FAILURE();
+  } catch (const std::exception& error) {
+    const std::string said = error.what();
+    EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1000);
+    EXPECT_EQ(said.substr(said.rfind('\n')), "\nf: 1 more lines are malformed");
   }
 }
 
@@ -96,24 +110,35 @@ TEST_P(Imports, KeepTheIdsOfThoseWhoStay) {
   };
   const std::vector<Case> cases = {
       {names + "Ann,1,S\nBob,2,S\nCem,3,S\nBob,4,T\n", "4 added, 0 changed, 0 removed, 0 unchanged",
-       "1 Ann 1 S \n2 Bob 2 S \n3 Cem 3 S \n4 Bob 4 T \n"},
+       "1 Ann 1 S \n2 Bob 2 S \n3 Bob 4 T \n4 Cem 3 S \n"},
       // The rows moved; of two Bobs each is the one who has more in common.
       {names + "Bob,5,T\nBob,2,S\nDan,6,S\nAnn,9,X\n", "1 added, 2 changed, 1 removed, 1 unchanged",
-       "1 Ann 9 X \n2 Bob 2 S \n4 Bob 5 T \n5 Dan 6 S \n"},
+       "1 Ann 9 X \n2 Bob 2 S \n3 Bob 5 T \n5 Dan 6 S \n"},
       {keys + "Ann,9,X,a\nBob,2,S,b\nBob,5,T,c\nDan,6,S,d\n",
        "0 added, 4 changed, 0 removed, 0 unchanged",
-       "1 Ann 9 X a\n2 Bob 2 S b\n4 Bob 5 T c\n5 Dan 6 S d\n"},
+       "1 Ann 9 X a\n2 Bob 2 S b\n3 Bob 5 T c\n5 Dan 6 S d\n"},
       // Ann married, and somebody else has the name and number of one Bob.
       {keys + "Zoe,9,X,a\nBob,2,S,e\nBob,5,T,c\nDan,6,S,d\n",
        "1 added, 1 changed, 1 removed, 2 unchanged",
-       "1 Zoe 9 X a\n4 Bob 5 T c\n5 Dan 6 S d\n6 Bob 2 S e\n"},
+       "1 Zoe 9 X a\n3 Bob 5 T c\n5 Dan 6 S d\n6 Bob 2 S e\n"},
       {names + "Zoe,9,X\nBob,5,T\nDan,6,S\nBob,2,S\n", "0 added, 0 changed, 0 removed, 4 unchanged",
-       "1 Zoe 9 X a\n4 Bob 5 T c\n5 Dan 6 S d\n6 Bob 2 S e\n"}};
+       "1 Zoe 9 X a\n3 Bob 5 T c\n5 Dan 6 S d\n6 Bob 2 S e\n"}};
   std::string before;
   for (const auto& [content, said, contacts] : cases) {
     EXPECT_EQ(Run("import", "people.csv", content), said);
+    const bool isFirst = before.empty();
     EXPECT_EQ(before = Contacts(), contacts);
+    if (!isFirst) continue;
+    // What others have added stays with who stays, and only with them.
+    for (const char* sql :
+         {"ALTER TABLE contacts ADD COLUMN photo TEXT", "UPDATE contacts SET photo = name",
+          "CREATE TABLE cars (owner BIGINT PRIMARY KEY REFERENCES contacts ON DELETE CASCADE)",
+          "INSERT INTO cars SELECT id FROM contacts"}) {
+      *Connect() << sql;
+    }
   }
+  EXPECT_EQ(Count("cars"), 2);
+  EXPECT_EQ(Count("contacts JOIN cars ON id = owner WHERE photo IN ('Ann', 'Bob')"), 2);
   const auto server = Serve();
   // One sheet of faults, and one that lacks most people.
   EXPECT_NE(Run("import", "faults.csv", keys + "Eve,,,\n,1,,\n").find("faults.csv:2: "),
@@ -148,12 +173,17 @@ TEST_P(ImportsOnSQLite, AreBackedUp) {
   EXPECT_TRUE(IsIndexed());
   EXPECT_EQ(Run("backup", "copy.db"), "");
   EXPECT_NE(Run("backup", "copy.db").find("copy.db exists"), std::string::npos);
+  EXPECT_THROW(BackUp(database, directory.path / "stopped", [] { throw 1; }), int);
+  EXPECT_EQ(FilesNamed(directory.path / "stopped"), 0);
   database = directory.path / "copy.db";
   EXPECT_EQ(ParsedPage(Serve()->Get("/cisco/directory").text).Items(),
             (Texts{"Ann", "Bob", "In the log"}));
   database = directory.path / "typo.db";
   EXPECT_NE(Run("backup", "empty.db").find("unable to open"), std::string::npos);
   EXPECT_FALSE(fs::exists(database));
+  std::ofstream(database).flush();
+  EXPECT_NE(Run("backup", "empty.db").find("no phone book"), std::string::npos);
+  EXPECT_EQ(FilesNamed(directory.path / "empty.db"), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(On, Imports, testing::Values("SQLite", "PostgreSQL"), NameOf);

@@ -20,17 +20,6 @@ namespace phonebook::tests {
 
 namespace {
 
-// How many files there are whose name begins with that of an SQLite database, it included.
-int FilesBeside(const fs::path& database) {
-  const std::string name = database.filename();
-  int files = 0;
-  if (!fs::exists(database.parent_path())) return files;  // a URI
-  for (const auto& entry : fs::directory_iterator(database.parent_path())) {
-    if (entry.path().filename().string().rfind(name, 0) == 0) ++files;
-  }
-  return files;
-}
-
 TEST_P(PhoneBook, IsFilledOnceByServersStartedTogether) {
   std::vector<std::future<std::unique_ptr<ServerProcess>>> starting(4);
   for (std::size_t i = 0; i < starting.size(); ++i) {
@@ -58,31 +47,33 @@ TEST_P(PhoneBook, LeavesNothingBehindWhenTheImportIsStopped) {
   ServerProcess server(directory.path, database, {"--contacts", contacts});
   EXPECT_TRUE(Eventually([&] {  // until it is at it
     return isPostgreSQL ? Count("pg_locks WHERE locktype = 'advisory'") > 0
-                        : FilesBeside(database) > 0;
+                        : FilesNamed(database) > 0;
   }));
   EXPECT_FALSE(fs::exists(database));
   EXPECT_EQ(WEXITSTATUS(server.Stop()), 1);
   EXPECT_TRUE(server.IsLogged("stopped; the database is unchanged\n"));
-  EXPECT_EQ(FilesBeside(database), 0);
+  EXPECT_EQ(FilesNamed(database), 0);
   EXPECT_EQ(ParsedPage(Serve()->Get("/snom/directory").text).First("//Name"), "Adebayo, Folasade");
 }
 
 TEST(NewFile, AppearsOnceWhole) {
   const TemporaryDirectory directory;
   const std::string target = directory.path / "new.db";
-  std::ofstream(target + ".import-0badcafe") << "of a process that died";
+  const std::string prefix = directory.path / ".new.db.phonebook-import-";
+  std::ofstream(prefix + "0badcafe") << "of a process that died";
+  std::ofstream(prefix + "of-today") << "of the user";
   {
     NewFile first(target), second(target);
-    EXPECT_FALSE(fs::exists(target + ".import-0badcafe"));
-    EXPECT_EQ(FilesBeside(target), 2);
+    EXPECT_FALSE(fs::exists(prefix + "0badcafe"));
+    EXPECT_EQ(FilesNamed(target), 3);
     std::ofstream(first.Path()) << "first";
     std::ofstream(second.Path()) << "second";
     EXPECT_TRUE(IsDatabaseMissing(target));
-    first.Publish();
-    second.Publish();
+    EXPECT_TRUE(first.Publish());
+    EXPECT_FALSE(second.Publish());
   }
   EXPECT_EQ(ContentOf(target), "first");
-  EXPECT_EQ(FilesBeside(target), 1);
+  EXPECT_EQ(FilesNamed(target), 2);
   fs::remove(target);
   for (const char* companion : {"-journal", "-wal", "-shm"}) {
     std::ofstream(target + companion) << "of a file that is gone";
