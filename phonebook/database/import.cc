@@ -188,9 +188,7 @@ bool WriteContacts(soci::session& session, const Dialect& dialect,
            " WHERE contacts.id = r.id";
   });
   fields.push_back({"is_indexed", "BOOLEAN"});
-  BulkStatement insert(session, dialect, fields, [](const Rows& added) {
-    return "INSERT INTO contacts (" + added.names + ") " + added.values;
-  });
+  BulkInsert insert(session, dialect, "contacts", fields);
 
   bool isAnyWritten = false;
   for (const auto& one : stored) {
@@ -206,10 +204,16 @@ bool WriteContacts(soci::session& session, const Dialect& dialect,
     std::vector<std::string_view> values = {id};
     for (const auto& column : kColumns) values.emplace_back(row.contact.*column.field);
     values.insert(values.end(), {row.collationKey, row.allKeys});
-    if (row.stored == nullptr) values.emplace_back("1");
-    (row.stored == nullptr ? insert : update).Add(values);
+    if (row.stored != nullptr) {
+      update.Add(values);
+      continue;
+    }
+    values.emplace_back("1");
+    insert.Add(values);
   }
-  for (auto* statement : {&remove, &update, &insert}) statement->Flush();
+  remove.Flush();
+  update.Flush();
+  insert.Flush();
   return isAnyWritten;
 }
 
@@ -234,12 +238,9 @@ SearchKeyRows SortedSearchKeys(const std::vector<Row>& rows, Progress& progress)
 void WriteSearchKeys(soci::session& session, const Dialect& dialect, const SearchKeyRows& keys,
                      Progress& progress) {
   for (const char* table : {"search_keys", "removed_contacts"}) session << "DELETE FROM " << table;
-  BulkStatement insert(
-      session, dialect,
-      {{"key", "TEXT"}, {"collation_key", "TEXT"}, {"contact", "BIGINT"}, {"all_keys", "TEXT"}},
-      [](const auto& rows) {
-        return "INSERT INTO search_keys (" + rows.names + ") " + rows.values;
-      });
+  BulkInsert insert(
+      session, dialect, "search_keys",
+      {{"key", "TEXT"}, {"collation_key", "TEXT"}, {"contact", "BIGINT"}, {"all_keys", "TEXT"}});
   for (const auto& [key, row] : keys) {
     insert.Add({key, row->collationKey, std::to_string(row->id), row->allKeys});
     ++progress.done;
