@@ -24,22 +24,13 @@ namespace {
 
 using Fields = std::vector<std::string>;
 
-struct ColumnFacts {
-  const char* name;
-  ContactField field;
-};
-constexpr ColumnFacts kFields[] = {{"name", &Contact::name},
-                                   {"telephone", &Contact::telephone},
-                                   {"department", &Contact::department},
-                                   {"key", &Contact::key}};
-
 // The field of a column; null for other columns.
 ContactField FieldNamed(std::string name) {
   if (name.size() > 1 && name.front() == '"') name = name.substr(1, name.size() - 2);
   std::transform(name.begin(), name.end(), name.begin(),
                  [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
-  for (const auto& facts : kFields) {
-    if (facts.name == name) return facts.field;
+  for (const auto& column : kColumns) {
+    if (column.name == name) return column.field;
   }
   return nullptr;
 }
@@ -60,13 +51,14 @@ class Collector {
   }
 
   void Add(int line, Contact contact) {
-    for (const auto& [name, field] : kFields) {
-      const std::string& text = contact.*field;
+    for (const auto& column : kColumns) {
+      const std::string& text = contact.*column.field;
       if (!IsUTF8(text)) return AddFault(line, "this is not UTF-8");
       if (text.find('\0') != text.npos) return AddFault(line, "there is a NUL");
+      if (column.isRequired && text.empty()) {
+        return AddFault(line, "the " + std::string(column.name) + " is empty");
+      }
     }
-    if (contact.name.empty()) return AddFault(line, "the name is empty");
-    if (contact.telephone.empty()) return AddFault(line, "the telephone is empty");
     if (!contact.key.empty()) {
       const auto [first, isNew] = lines.emplace(contact.key, line);
       if (!isNew) {
@@ -103,7 +95,7 @@ class Parser {
     csv_set_delim(&parser, static_cast<unsigned char>(separator.value_or('\t')));
     if (isCSV) return;
     csv_set_quote(&parser, kNoQuote);
-    for (const auto& facts : kFields) columns.push_back(facts.field);
+    for (const auto& column : kColumns) columns.push_back(column.field);
   }
   ~Parser() { csv_free(&parser); }
   Parser(const Parser&) = delete;
@@ -159,9 +151,8 @@ class Parser {
 
   void ReadHeader(const Fields& fields) {
     for (const auto& field : fields) columns.push_back(FieldNamed(field));
-    for (const auto& [name, field] : kFields) {
+    for (const auto& [name, field, isRequired, isSearched, since] : kColumns) {
       const auto count = std::count(columns.begin(), columns.end(), field);
-      const bool isRequired = field == &Contact::name || field == &Contact::telephone;
       if (count > 1) collector.AddFault(first, "the column " + std::string(name) + " is repeated");
       if (count == 0 && isRequired) {
         collector.AddFault(first, "the header lacks the column " + std::string(name));

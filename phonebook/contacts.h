@@ -2,6 +2,7 @@
 /// Contacts and the files that hold them.
 #pragma once
 
+#include <array>
 #include <istream>
 #include <string>
 #include <vector>
@@ -17,6 +18,23 @@ struct Contact {
   std::string key{};
 };
 using ContactField = std::string Contact::*;
+
+/// A field, and the column that holds it in a file and in the database.
+struct Column {
+  const char* name;
+  ContactField field;
+  bool isRequired;  ///< Whether a contact without it is refused.
+  bool isSearched;  ///< Whether contacts are found by its words.
+  int since;        ///< The first version of the database that has it; 1 if it is required.
+};
+
+/// Files, tables, triggers, queries, validation and import are made from these.
+inline constexpr std::array kColumns = {
+    Column{"name", &Contact::name, true, true, 1},
+    Column{"telephone", &Contact::telephone, true, false, 1},
+    Column{"department", &Contact::department, false, true, 1},
+    Column{"key", &Contact::key, false, false, 4},
+};
 
 /// Reads contacts in UTF-8 from one of two formats. A byte order mark at the start and
 /// blanks around a field are ignored. Control characters, such as line feeds in quotes, become

@@ -21,23 +21,11 @@ void AppendElement(std::string_view text, std::string& array) {
 }
 
 void AppendColumn(std::string_view text, std::string& line) {
+  constexpr std::string_view kSpecial = "\t\n\r\\", kLetters = "tnr\\";
   for (const char character : text) {
-    switch (character) {
-      case '\t':
-        line += "\\t";
-        break;
-      case '\n':
-        line += "\\n";
-        break;
-      case '\r':
-        line += "\\r";
-        break;
-      case '\\':
-        line += "\\\\";
-        break;
-      default:
-        line += character;
-    }
+    const auto special = kSpecial.find(character);
+    if (special != kSpecial.npos) line += '\\';
+    line += special == kSpecial.npos ? character : kLetters[special];
   }
 }
 

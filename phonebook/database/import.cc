@@ -47,6 +47,7 @@ struct Row {
   std::string collationKey, allKeys;
   StoredContact* stored = nullptr;
   long long id = 0;
+  bool isWritten = true;
 };
 
 std::size_t HashOf(const std::string& keys) { return std::hash<std::string>()(keys); }
@@ -147,27 +148,22 @@ void Match(std::vector<StoredContact>& stored, std::vector<Row>& rows, Progress&
   }
 }
 
-Differences Compare(const std::vector<StoredContact>& stored, const std::vector<Row>& rows) {
+Differences Compare(const std::vector<StoredContact>& stored, std::vector<Row>& rows) {
   Differences differences;
-  for (const auto& row : rows) {
+  for (auto& row : rows) {
     if (row.stored == nullptr) {
       ++differences.added;
-    } else if (HasOtherText(row)) {
-      ++differences.changed;
+      continue;
     }
+    const bool isChanged = HasOtherText(row);
+    if (isChanged) ++differences.changed;
+    row.isWritten = isChanged || row.stored->hashOfKeys != HashOf(row.collationKey + row.allKeys);
   }
   differences.removed = stored.size() + differences.added - rows.size();
   return differences;
 }
 
-bool IsWritten(const Row& row) {
-  return row.stored == nullptr || HasOtherText(row) ||
-         row.stored->hashOfKeys != HashOf(row.collationKey + row.allKeys);
-}
-
-// Writes what differs.
-// @return whether anything did.
-bool WriteContacts(soci::session& session, const Dialect& dialect,
+void WriteContacts(soci::session& session, const Dialect& dialect,
                    const std::vector<StoredContact>& stored, const std::vector<Row>& rows,
                    Progress& progress) {
   using Rows = BulkStatement::Rows;
@@ -190,16 +186,13 @@ bool WriteContacts(soci::session& session, const Dialect& dialect,
   fields.push_back({"is_indexed", "BOOLEAN"});
   BulkInsert insert(session, dialect, "contacts", fields);
 
-  bool isAnyWritten = false;
   for (const auto& one : stored) {
     if (!one.isMatched) remove.Add({std::to_string(one.id)});
-    isAnyWritten = isAnyWritten || !one.isMatched;
   }
   for (const auto& row : rows) {
     ++progress.done;
     progress.Step();
-    if (!IsWritten(row)) continue;
-    isAnyWritten = true;
+    if (!row.isWritten) continue;
     const std::string id = std::to_string(row.id);
     std::vector<std::string_view> values = {id};
     for (const auto& column : kColumns) values.emplace_back(row.contact.*column.field);
@@ -214,7 +207,6 @@ bool WriteContacts(soci::session& session, const Dialect& dialect,
   remove.Flush();
   update.Flush();
   insert.Flush();
-  return isAnyWritten;
 }
 
 // Search keys and the rows that they belong to, in the order of their index.
@@ -265,9 +257,10 @@ Differences Import(soci::session& session, const Dialect& dialect, std::vector<C
   }
   const auto keys = SortedSearchKeys(rows, progress);
   progress.total = rows.size() + keys.size();
-  if (WriteContacts(session, dialect, stored, rows, progress)) {
-    WriteSearchKeys(session, dialect, keys, progress);
-  }
+  WriteContacts(session, dialect, stored, rows, progress);
+  const bool isAnyWritten =
+      std::any_of(rows.begin(), rows.end(), [](auto& r) { return r.isWritten; });
+  if (isAnyWritten || differences.removed > 0) WriteSearchKeys(session, dialect, keys, progress);
   for (const auto& sql : dialect.afterImport) {
     session << sql;
     report(progress.done, progress.total);

@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <boost/algorithm/string/replace.hpp>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -65,16 +66,6 @@ URIParts ParseURI(const std::string& uri) {
 
 std::string FirstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
-std::string WithoutPassword(std::string message, const std::string& password) {
-  constexpr const char* kMask = "***";
-  if (password.empty()) return message;
-  for (auto at = message.find(password); at != message.npos;
-       at = message.find(password, at + std::strlen(kMask))) {
-    message.replace(at, password.size(), kMask);
-  }
-  return message;
-}
-
 }  // namespace
 
 PostgreSQLLogin::~PostgreSQLLogin() {
@@ -89,7 +80,6 @@ void PostgreSQLLogin::Open(soci::session& session, const std::string& theURI) {
       parts.options.empty() && environment != nullptr ? environment : parts.options;
   options = std::string(kSettings) + (own.empty() ? "" : " " + own);
   hasUserTimeout = parts.hasUserTimeout;
-  password = parts.password;
   pendingLogin = this;
   try {
     // SOCI takes anything for a connection string that has an =.
@@ -98,7 +88,8 @@ void PostgreSQLLogin::Open(soci::session& session, const std::string& theURI) {
     // SOCI forgets the connection when its own first statement fails.
     PQfinish(std::exchange(unowned, nullptr));
     const std::string reason = failure.empty() ? FirstLine(error.get_error_message()) : failure;
-    throw DatabaseUnavailable(WithoutPassword(reason, password));
+    throw DatabaseUnavailable(
+        parts.password.empty() ? reason : boost::replace_all_copy(reason, parts.password, "***"));
   }
   unowned = nullptr;
   if (std::exchange(pendingLogin, nullptr) != nullptr) {

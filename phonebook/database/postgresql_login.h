@@ -34,7 +34,7 @@ class PostgreSQLLogin {
   bool Await(PGconn* connection);
   PGconn* Fail(PGconn* connection, const std::string& reason);
 
-  std::string uri, options, password, failure;
+  std::string uri, options, failure;
   bool hasUserTimeout = false;
   std::atomic<bool> isShutDown = false;
   // Duplicated: libpq may close its own while another thread uses it.

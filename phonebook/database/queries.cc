@@ -137,54 +137,36 @@ class Queries::ListQuery {
   int limit = 0;
 };
 
-class Queries::ContactQuery {
+// A prepared query for some texts of one row.
+class Queries::TextQuery {
  public:
-  explicit ContactQuery(soci::session& session) : statement(session) {
-    std::string columns;
-    for (const auto& column : kColumns) {
-      statement.exchange(soci::into(row.*column.field));
-      columns += (columns.empty() ? "" : ", ") + Shown(column.name);
+  // @param ofRow what follows the columns, with the parameter `:row`.
+  TextQuery(soci::session& session, const std::vector<std::string>& columns,
+            const std::string& ofRow, int theMaxCharacters)
+      : maxCharacters(theMaxCharacters), texts(columns.size()), statement(session) {
+    std::string shown;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      statement.exchange(soci::into(texts[i]));
+      shown += (i == 0 ? "" : ", ") + Shown(columns[i], maxCharacters);
     }
-    statement.exchange(soci::use(id));
-    Prepare(statement, "SELECT " + columns + " FROM contacts WHERE id = :id");
+    statement.exchange(soci::use(row));
+    Prepare(statement, "SELECT " + shown + ofRow);
   }
 
-  std::optional<Contact> Run(long long theId) {
-    id = theId;
-    std::optional<Contact> found;
+  // The texts of the row; none if there is no such row.
+  std::vector<std::string> Run(const std::string& theRow) {
+    row = theRow;
+    std::vector<std::string> found;
     statement.execute();
-    while (statement.fetch()) found = row;  // to the end, where SQLite unlocks what it read
-    if (!found) return found;
-    for (const auto& column : kColumns) Cut((*found).*column.field);
+    while (statement.fetch()) found = texts;  // to the end, where SQLite unlocks what it read
+    for (auto& text : found) Cut(text, maxCharacters);
     return found;
   }
 
  private:
-  long long id = 0;
-  Contact row;
-  soci::statement statement;
-};
-
-class Queries::NoticeQuery {
- public:
-  explicit NoticeQuery(soci::session& session) : statement(session) {
-    statement.exchange(soci::into(text));
-    statement.exchange(soci::use(name));
-    Prepare(statement,
-            "SELECT " + Shown("text", kMaxNoticeCharacters) + " FROM notices WHERE name = :name");
-  }
-
-  std::optional<std::string> Run(const std::string& theName) {
-    name = theName;
-    std::optional<std::string> found;
-    statement.execute();
-    while (statement.fetch()) found = text;
-    if (found) Cut(*found, kMaxNoticeCharacters);
-    return found;
-  }
-
- private:
-  std::string name, text;
+  const int maxCharacters;
+  std::string row;
+  std::vector<std::string> texts;
   soci::statement statement;
 };
 
@@ -214,16 +196,6 @@ Queries::ListQuery& Queries::Prepared(Query query, bool isForward, bool isAtCont
   return *list;
 }
 
-Queries::ContactQuery& Queries::PreparedContactQuery() {
-  if (!contact) contact = std::make_unique<ContactQuery>(session);
-  return *contact;
-}
-
-Queries::NoticeQuery& Queries::PreparedNoticeQuery() {
-  if (!notice) notice = std::make_unique<NoticeQuery>(session);
-  return *notice;
-}
-
 std::string Queries::SQLOf(Query query, bool isForward, bool isAtContact) const {
   std::string hasWords;
   for (std::size_t i = 0; i < Selection::kMaxWords; ++i) {
@@ -235,13 +207,13 @@ std::string Queries::SQLOf(Query query, bool isForward, bool isAtContact) const 
       " FROM contacts WHERE " + Beyond(isForward, "collation_key, id", farther) +
       (isForward ? " AND collation_key < :to" : " AND collation_key >= :from") + ordered;
   const std::string ofSearchKeys = " FROM search_keys WHERE key >= :from AND key < :to";
-  // SQLite would load a whole text to cut it, and takes a sixth longer for a page then.
-  const std::string shown =
-      dialect.isPostgreSQL ? Shown("name") + ", " + Shown("telephone") : "name, telephone";
+  const std::string shown = Shown("name") + ", " + Shown("telephone");
   const std::string many = std::to_string(kMaxContacts);
   switch (query) {
     case kByName:  // whose collation keys have the prefix, whatever their words
-      return "SELECT id, " + shown + ofContacts + " LIMIT :limit";
+      // SQLite would load a whole text to cut it, and takes a sixth longer for a page then.
+      return "SELECT id, " + (dialect.isPostgreSQL ? shown : "name, telephone") + ofContacts +
+             " LIMIT :limit";
     case kNext:
       return "SELECT id, " + shown + ", collation_key" + ofContacts + " LIMIT :limit";
     case kByNameAndWords:  // those among the nearest ones of kByName that have the words
@@ -254,10 +226,9 @@ std::string Queries::SQLOf(Query query, bool isForward, bool isAtContact) const 
              ofContacts + " LIMIT 1 OFFSET " + std::to_string(kMaxContacts - 1) + ")";
     case kByWord:  // that have the words, and a search key with the prefix; removed ones are empty
     case kByWordOfContact:  // the same without those, which costs a look at each contact
-      return "SELECT contact, COALESCE(name, ''), COALESCE(telephone, ''), place FROM (SELECT "
-             "DISTINCT collation_key AS place, contact" +
-             ofSearchKeys + " AND " + Beyond(isForward, "collation_key, contact", position) +
-             hasWords +
+      return "SELECT contact, " + shown +
+             ", place FROM (SELECT DISTINCT collation_key AS place, contact" + ofSearchKeys +
+             " AND " + Beyond(isForward, "collation_key, contact", position) + hasWords +
              (query == kByWord ? ""
                                : " AND EXISTS (SELECT 1 FROM contacts c WHERE c.id = contact"
                                  " AND c.collation_key = search_keys.collation_key)") +
@@ -344,10 +315,27 @@ const std::string* Queries::RarestOf(const std::vector<std::string>& words) {
   return byRarity.empty() ? nullptr : byRarity.rbegin()->second;
 }
 
-std::optional<Contact> Queries::FindContact(long long id) { return PreparedContactQuery().Run(id); }
+std::optional<Contact> Queries::FindContact(long long id) {
+  if (!contact) {
+    std::vector<std::string> columns;
+    for (const auto& column : kColumns) columns.emplace_back(column.name);
+    contact = std::make_unique<TextQuery>(session, columns, " FROM contacts WHERE id = :row",
+                                          kMaxShownCharacters);
+  }
+  const auto texts = contact->Run(std::to_string(id));
+  if (texts.empty()) return std::nullopt;
+  Contact found;
+  for (std::size_t i = 0; i < texts.size(); ++i) found.*kColumns[i].field = texts[i];
+  return found;
+}
 
-std::optional<std::string> Queries::FindNotice(const std::string& name) {
-  return PreparedNoticeQuery().Run(name);
+std::string Queries::FindNotice(const std::string& name) {
+  if (!notice) {
+    notice = std::make_unique<TextQuery>(session, std::vector<std::string>{"text"},
+                                         " FROM notices WHERE name = :row", kMaxNoticeCharacters);
+  }
+  const auto texts = notice->Run(name);
+  return texts.empty() ? "" : texts.front();
 }
 
 }  // namespace phonebook

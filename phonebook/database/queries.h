@@ -48,8 +48,8 @@ class Queries {
   /// The contact of that id, if there is one, as far as pages show it.
   std::optional<Contact> FindContact(long long id);
 
-  /// The text of the notice, if there is one, as far as pages show it.
-  std::optional<std::string> FindNotice(const std::string& name);
+  /// The text of the notice, as far as pages show it; empty if there is none.
+  std::string FindNotice(const std::string& name);
 
  private:
   enum Query {
@@ -63,13 +63,10 @@ class Queries {
   };
   static constexpr std::size_t kQueries = kWordCount + 1;
   class ListQuery;
-  class ContactQuery;
-  class NoticeQuery;
+  class TextQuery;
 
   std::string SQLOf(Query query, bool isForward, bool isAtContact) const;
   ListQuery& Prepared(Query query, bool isForward, bool isAtContact);
-  ContactQuery& PreparedContactQuery();
-  NoticeQuery& PreparedNoticeQuery();
   std::vector<ListedContact> List(Query query, const std::string& prefix,
                                   const std::vector<std::string>& words, const Cursor& cursor,
                                   std::size_t size);
@@ -83,8 +80,7 @@ class Queries {
   soci::session& session;
   const Dialect& dialect;
   std::array<std::array<std::array<std::unique_ptr<ListQuery>, 2>, 2>, kQueries> lists;
-  std::unique_ptr<ContactQuery> contact;
-  std::unique_ptr<NoticeQuery> notice;
+  std::unique_ptr<TextQuery> contact, notice;
 };
 
 }  // namespace phonebook

@@ -15,7 +15,6 @@
 
 #include <soci/soci.h>
 
-#include <array>
 #include <string>
 #include <vector>
 
@@ -25,23 +24,6 @@ namespace phonebook {
 
 /// The version that this program creates and reads. The shape without a version is version 1.
 constexpr int kSchemaVersion = 4;
-
-/// A column of `contacts` that holds a field of `Contact`.
-struct Column {
-  const char* name;
-  ContactField field;
-  bool isRequired;  ///< Whether a contact without it is refused.
-  bool isSearched;  ///< Whether contacts are found by its words.
-  int since;        ///< The first version that has it. An upgrade can't add a required column.
-};
-
-/// Tables, triggers, queries, validation and import are made from these.
-inline constexpr std::array kColumns = {
-    Column{"name", &Contact::name, true, true, 1},
-    Column{"telephone", &Contact::telephone, true, false, 1},
-    Column{"department", &Contact::department, false, true, 1},
-    Column{"key", &Contact::key, false, false, 4},
-};
 
 /// The names of `kColumns`, separated by commas.
 std::string ColumnNames();

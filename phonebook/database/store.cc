@@ -276,8 +276,7 @@ std::optional<Contact> Store::FindContact(long long id) {
 }
 
 std::string Store::FindNotice(const std::string& name) {
-  return Run<std::string>(
-      [&](Opened& store) { return store.queries.FindNotice(name).value_or(""); });
+  return Run<std::string>([&](Opened& store) { return store.queries.FindNotice(name); });
 }
 
 ContactCounts Store::CountContacts() {
