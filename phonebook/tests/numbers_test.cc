@@ -1,4 +1,4 @@
-// What phones dial for numbers as people of ten countries write them.
+// What phones dial for numbers as people of five countries write them.
 #include "phonebook/numbers.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +24,6 @@ TEST(Numbers, AreDialedAsTheirCountriesWriteThem) {
       {"DE", "tel:+49-30-5550-1022 (Zentrale)", "+493055501022"},
       {"DE", "+49 30 55501022 Durchwahl 12", "+493055501022"},
       {"AT", "01/588 58-0", "+431588580"},
-      {"CH", "044 668 18 00", "+41446681800"},
       {"US", "(212) 555-0123", "+12125550123"},
       {"US", "+1 212-555-0123 ext. 45", "+12125550123"},
       {"US", "1-800-FLOWERS", "+18003569377"},
@@ -32,11 +31,7 @@ TEST(Numbers, AreDialedAsTheirCountriesWriteThem) {
       {"US", "212-555-0123, 646-555-0199", "+12125550123"},
       {"GB", "020 7946 0018", "+442079460018"},
       {"GB", "+44 (0) 20 7946 0018", "+442079460018"},
-      {"FR", "01.42.68.53.00", "+33142685300"},
       {"IT", "06 6982 1234", "+390669821234"},  // the 0 is part of the number
-      {"ES", "91 123 45 67", "+34911234567"},
-      {"JP", "03-1234-5678", "+81312345678"},
-      {"RU", "8 (495) 123-45-67", "+74951234567"},
       // What has no country, and what is no number of the public network.
       {"", "030 5550-1022", "03055501022"},
       {"DE", "1022", "1022"},
