@@ -318,6 +318,7 @@ const std::string* Queries::RarestOf(const std::vector<std::string>& words) {
 std::optional<Contact> Queries::FindContact(long long id) {
   if (!contact) {
     std::vector<std::string> columns;
+    columns.reserve(kColumns.size());
     for (const auto& column : kColumns) columns.emplace_back(column.name);
     contact = std::make_unique<TextQuery>(session, columns, " FROM contacts WHERE id = :row",
                                           kMaxShownCharacters);
