@@ -137,7 +137,12 @@ int HTTPConnection::CheckHost() const {
   const auto& request = parser->get();
   const auto count = request.count(http::field::host);
   if (count == 0) return IsHTTP10(request) ? 0 : 400;
-  return count == 1 && HostNameOf(TextOf(request[http::field::host])) ? 0 : 400;
+  if (count > 1) return 400;
+  const std::string host = TextOf(request[http::field::host]);
+  if (!host.empty() && host == validHost) return 0;
+  if (!HostNameOf(host)) return 400;
+  validHost = host;
+  return 0;
 }
 
 // With another coding the length of the body is unknown, or proxies see another one.

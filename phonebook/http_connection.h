@@ -79,6 +79,8 @@ class HTTPConnection : public std::enable_shared_from_this<HTTPConnection> {
   bool isOverdue = false;
   bool isKeptAlive = false;
   std::size_t unsent = 0;  // of server.unsent
+  // The last one, as clients send the same with each request and parsing it takes a while.
+  mutable std::string validHost;
 };
 
 }  // namespace phonebook
