@@ -146,7 +146,7 @@ std::string MakeLinks(const std::vector<Line>& lines) {
     const std::string text = EscapeRequired(line.text);
     html += line.telephone.empty() ? MakeLink(line.uri, text)
                                    : MakeLink(MakeCallURI("tel:", line.telephone), text);
-    if (!line.note.empty()) html += " " + EscapeXML(line.note);
+    if (!line.note.empty()) html.append(" ").append(EscapeXML(line.note));
     html += kLineBreak;
   }
   return html;
