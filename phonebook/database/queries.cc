@@ -22,34 +22,14 @@ constexpr std::size_t kMaxKeys = 5000;  // search keys, of all words of a search
 constexpr long long kBeforeAll = std::numeric_limits<long long>::min();  // the ids of contacts
 
 // From a position on, forwards or backwards.
-std::string Beyond(bool isForward, const std::string& columns, const std::string& position) {
-  return "(" + columns + ")" + (isForward ? " > " : " < ") + "(" + position + ", :id)";
+std::string Beyond(bool isForward, const std::string& columns, const std::string& position,
+                   bool isInclusive = false) {
+  return "(" + columns + ")" + (isForward ? " >" : " <") + (isInclusive ? "= (" : " (") + position +
+         ", :id)";
 }
 std::string Ordered(bool isForward, const std::string& collationKey, const std::string& id) {
   const std::string direction = isForward ? "" : " DESC";
   return " ORDER BY " + collationKey + direction + ", " + id + direction;
-}
-
-// The collation keys from which a query lists contacts: that of the cursor, and whichever is
-// farther of it and the bound of a prefix, as an index can begin with one only. A contact at the
-// cursor counts where it is now, wherever indexing has moved it meanwhile.
-struct Positions {
-  std::string cursor, farther;
-};
-Positions PositionsOf(const Dialect& dialect, bool isForward, bool isAtContact) {
-  const std::string cursor = ":collation_key";
-  const std::string bound = isForward ? ", :from)" : ", :to)";
-  const std::string ofContact = " FROM contacts WHERE id = :contact)";
-  if (dialect.isPostgreSQL) {  // which would plan an aggregate anew for each query
-    const std::string key =
-        isAtContact ? "COALESCE((SELECT collation_key" + ofContact + ", " + cursor + ")" : cursor;
-    return {key, (isForward ? "GREATEST(" : "LEAST(") + key + bound};
-  }
-  const std::string farther = isForward ? "max(" : "min(";
-  if (!isAtContact) return {cursor, farther + cursor + bound};
-  // SQLite would look up the contact twice if this were not one subquery.
-  const std::string key = "COALESCE(max(collation_key), " + cursor + ")";
-  return {"(SELECT " + key + ofContact, "(SELECT " + farther + key + bound + ofContact};
 }
 
 // A column as far as pages show it. SQLite makes NULL of an empty blob.
@@ -95,8 +75,8 @@ class Queries::ListQuery {
     use(from, "from");
     use(to, "to");
     use(collationKey, "collation_key");
+    use(farther, "farther");
     use(id, "id");
-    use(contact, "contact");
     for (std::size_t i = 0; i < words.size(); ++i) use(words[i], "word" + std::to_string(i));
     use(limit, "limit");
     Prepare(statement, sql);
@@ -110,8 +90,8 @@ class Queries::ListQuery {
     from = prefix;
     to = EndOfPrefix(prefix);
     collationKey = cursor.collationKey;
+    farther = cursor.isForward ? std::max(from, collationKey) : std::min(to, collationKey);
     id = cursor.id.value_or(kBeforeAll);
-    contact = id;
     for (std::size_t i = 0; i < words.size(); ++i) {
       words[i] = i < theWords.size() ? kWordMark + theWords[i] : "";
     }
@@ -132,8 +112,9 @@ class Queries::ListQuery {
   soci::statement statement;
   ListedContact row;
   std::string from, to, collationKey;
+  std::string farther;  // where those with the prefix begin, as an index begins at one key
   std::array<std::string, Selection::kMaxWords> words;
-  long long id = 0, contact = 0;
+  long long id = 0;
   int limit = 0;
 };
 
@@ -177,43 +158,35 @@ Queries::~Queries() = default;
 
 void Queries::RunAll() {
   const std::string afterAll = EndOfPrefix("");
-  for (const Query query :
-       {kByName, kNext, kByNameAndWords, kLastOfMany, kByWord, kByWordOfContact, kWordCount}) {
-    for (const bool isForward : {false, true}) {
-      List(query, afterAll, {}, {isForward}, 1);
-      List(query, afterAll, {}, {isForward, afterAll, kBeforeAll}, 1);
-    }
+  for (const Query query : {kByName, kPosition, kNext, kByNameAndWords, kLastOfMany, kByWord,
+                            kByWordOfContact, kWordCount}) {
+    for (const bool isForward : {false, true}) List(query, afterAll, {}, {isForward}, 1);
   }
   FindContact(kBeforeAll);
   FindNotice("");
 }
 
-Queries::ListQuery& Queries::Prepared(Query query, bool isForward, bool isAtContact) {
-  auto& list = lists[query][isForward ? 1 : 0][isAtContact ? 1 : 0];
-  const bool hasKey = query != kByName && query != kWordCount;
-  if (!list)
-    list = std::make_unique<ListQuery>(session, SQLOf(query, isForward, isAtContact), hasKey);
-  return *list;
-}
-
-std::string Queries::SQLOf(Query query, bool isForward, bool isAtContact) const {
+std::string Queries::SQLOf(Query query, bool isForward) const {
   std::string hasWords;
   for (std::size_t i = 0; i < Selection::kMaxWords; ++i) {
     hasWords += " AND " + dialect.position + "(all_keys, :word" + std::to_string(i) + ") > 0";
   }
-  const auto [position, farther] = PositionsOf(dialect, isForward, isAtContact);
   const std::string ordered = Ordered(isForward, "collation_key", "id");
   const std::string ofContacts =
-      " FROM contacts WHERE " + Beyond(isForward, "collation_key, id", farther) +
+      " FROM contacts WHERE " +
+      Beyond(isForward, "collation_key, id", ":farther", query == kByName) +
       (isForward ? " AND collation_key < :to" : " AND collation_key >= :from") + ordered;
   const std::string ofSearchKeys = " FROM search_keys WHERE key >= :from AND key < :to";
   const std::string shown = Shown("name") + ", " + Shown("telephone");
   const std::string many = std::to_string(kMaxContacts);
   switch (query) {
-    case kByName:  // whose collation keys have the prefix, whatever their words
+    case kByName:  // whose collation keys have the prefix, and the one at the position
       // SQLite would load a whole text to cut it, and takes a sixth longer for a page then.
       return "SELECT id, " + (dialect.isPostgreSQL ? shown : "name, telephone") + ofContacts +
              " LIMIT :limit";
+    case kPosition:  // where a contact is
+      return "SELECT id, '', '', collation_key FROM contacts"
+             " WHERE id = :id AND collation_key IS NOT NULL";
     case kNext:
       return "SELECT id, " + shown + ", collation_key" + ofContacts + " LIMIT :limit";
     case kByNameAndWords:  // those among the nearest ones of kByName that have the words
@@ -228,7 +201,7 @@ std::string Queries::SQLOf(Query query, bool isForward, bool isAtContact) const 
     case kByWordOfContact:  // the same without those, which costs a look at each contact
       return "SELECT contact, " + shown +
              ", place FROM (SELECT DISTINCT collation_key AS place, contact" + ofSearchKeys +
-             " AND " + Beyond(isForward, "collation_key, contact", position) + hasWords +
+             " AND " + Beyond(isForward, "collation_key, contact", ":collation_key") + hasWords +
              (query == kByWord ? ""
                                : " AND EXISTS (SELECT 1 FROM contacts c WHERE c.id = contact"
                                  " AND c.collation_key = search_keys.collation_key)") +
@@ -244,21 +217,42 @@ std::string Queries::SQLOf(Query query, bool isForward, bool isAtContact) const 
 std::vector<ListedContact> Queries::List(Query query, const std::string& prefix,
                                          const std::vector<std::string>& words,
                                          const Cursor& cursor, std::size_t size) {
-  return Prepared(query, cursor.isForward, cursor.id.has_value()).Run(prefix, words, cursor, size);
+  auto& list = lists[query][cursor.isForward ? 1 : 0];
+  const bool hasKey = query != kByName && query != kWordCount;
+  if (!list) list = std::make_unique<ListQuery>(session, SQLOf(query, cursor.isForward), hasKey);
+  return list->Run(prefix, words, cursor, size);
 }
 
+// A contact at the position counts where it is now, wherever indexing has moved it meanwhile.
+Cursor Queries::Located(Cursor cursor) {
+  if (!cursor.id) return cursor;
+  auto found = List(kPosition, "", {}, cursor, 1);
+  if (!found.empty()) cursor.collationKey = std::move(found.front().collationKey);
+  return cursor;
+}
+
+// Most often the contact at the position comes first, and needs no query of its own.
 std::vector<ListedContact> Queries::ListByName(const std::string& prefix, const Cursor& cursor,
                                                std::size_t size) {
-  return List(kByName, prefix, {}, cursor, size);
+  if (!cursor.id) return List(kByName, prefix, {}, cursor, size);
+  const auto isAtPosition = [&](const auto& found) {
+    return !found.empty() && found.front().id == cursor.id;
+  };
+  auto found = List(kByName, prefix, {}, cursor, size + 1);
+  if (!isAtPosition(found)) found = List(kByName, prefix, {}, Located(cursor), size + 1);
+  if (isAtPosition(found)) found.erase(found.begin());
+  if (found.size() > size) found.pop_back();
+  return found;
 }
 
 std::optional<ListedContact> Queries::FindNext(const Cursor& cursor) {
-  auto found = List(kNext, "", {}, cursor, 1);
+  auto found = List(kNext, "", {}, Located(cursor), 1);
   return found.empty() ? std::nullopt : std::optional(std::move(found.front()));
 }
 
-SearchResult Queries::Search(const std::vector<std::string>& words, const Cursor& cursor,
+SearchResult Queries::Search(const std::vector<std::string>& words, const Cursor& position,
                              std::size_t size) {
+  const Cursor cursor = Located(position);
   // Where many are found among the nearest ones, that is enough.
   SearchResult found = SearchByName("", words, cursor, size);
   if (!found.end) return found;

@@ -38,11 +38,11 @@ class Queries {
   /// The contact next to `cursor`, with its collation key, if there is one.
   std::optional<ListedContact> FindNext(const Cursor& cursor);
 
-  /// Up to `size` contacts beyond `cursor`, the nearest first, that have all of `words`, which are
-  /// prefixes of word keys. There must be one at least, and `Selection::kMaxWords` at most. Looks
-  /// at all contacts that have a rare word, but only at the nearest ones where all words are
+  /// Up to `size` contacts beyond `position`, the nearest first, that have all of `words`, which
+  /// are prefixes of word keys. There must be one at least, and `Selection::kMaxWords` at most.
+  /// Looks at all contacts that have a rare word, but only at the nearest ones where all words are
   /// common.
-  SearchResult Search(const std::vector<std::string>& words, const Cursor& cursor,
+  SearchResult Search(const std::vector<std::string>& words, const Cursor& position,
                       std::size_t size);
 
   /// The contact of that id, if there is one, as far as pages show it.
@@ -54,6 +54,7 @@ class Queries {
  private:
   enum Query {
     kByName,
+    kPosition,
     kNext,
     kByNameAndWords,
     kLastOfMany,
@@ -65,11 +66,11 @@ class Queries {
   class ListQuery;
   class TextQuery;
 
-  std::string SQLOf(Query query, bool isForward, bool isAtContact) const;
-  ListQuery& Prepared(Query query, bool isForward, bool isAtContact);
+  std::string SQLOf(Query query, bool isForward) const;
   std::vector<ListedContact> List(Query query, const std::string& prefix,
                                   const std::vector<std::string>& words, const Cursor& cursor,
                                   std::size_t size);
+  Cursor Located(Cursor cursor);
   SearchResult SearchByName(const std::string& prefix, const std::vector<std::string>& words,
                             const Cursor& cursor, std::size_t size);
   std::vector<ListedContact> SearchByWord(const std::string& prefix,
@@ -79,7 +80,7 @@ class Queries {
 
   soci::session& session;
   const Dialect& dialect;
-  std::array<std::array<std::array<std::unique_ptr<ListQuery>, 2>, 2>, kQueries> lists;
+  std::array<std::array<std::unique_ptr<ListQuery>, 2>, kQueries> lists;
   std::unique_ptr<TextQuery> contact, notice;
 };
 
