@@ -37,6 +37,12 @@ std::string Shown(const std::string& column, int characters = kMaxShownCharacter
   return "COALESCE(substr(" + column + ", 1, " + std::to_string(characters) + "), '')";
 }
 
+// Calls substr for long texts alone: for all, PostgreSQL takes a fifteenth longer for a page.
+std::string CutIfLong(const std::string& column) {
+  return "CASE WHEN octet_length(" + column + ") > " + std::to_string(kMaxShownCharacters) +
+         " THEN " + Shown(column) + " ELSE " + column + " END";
+}
+
 // Cuts what the database takes for one character, as malformed UTF-8 may be of any length.
 void Cut(std::string& text, int characters = kMaxShownCharacters) {
   if (text.size() > static_cast<std::size_t>(characters)) {
@@ -182,8 +188,10 @@ std::string Queries::SQLOf(Query query, bool isForward) const {
   switch (query) {
     case kByName:  // whose collation keys have the prefix, and the one at the position
       // SQLite would load a whole text to cut it, and takes a sixth longer for a page then.
-      return "SELECT id, " + (dialect.isPostgreSQL ? shown : "name, telephone") + ofContacts +
-             " LIMIT :limit";
+      return "SELECT id, " +
+             (dialect.isPostgreSQL ? CutIfLong("name") + ", " + CutIfLong("telephone")
+                                   : "name, telephone") +
+             ofContacts + " LIMIT :limit";
     case kPosition:  // where a contact is
       return "SELECT id, '', '', collation_key FROM contacts"
              " WHERE id = :id AND collation_key IS NOT NULL";
