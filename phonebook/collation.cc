@@ -37,15 +37,9 @@ const icu::Collator& CollatorOf(icu::Collator::ECollationStrength strength) {
   return strength == icu::Collator::PRIMARY ? *primary : *tertiary;
 }
 
-icu::UnicodeString Unicode(std::string_view text) {
-  return icu::UnicodeString::fromUTF8({text.data(), static_cast<int32_t>(text.size())});
-}
-
 // The characters of a text that count.
 icu::UnicodeString Beginning(std::string_view text) {
-  icu::UnicodeString beginning = Unicode(text.substr(0, std::size_t{4} * kMaxKeyCharacters));
-  beginning.truncate(beginning.moveIndex32(0, kMaxKeyCharacters));
-  return beginning;
+  return UnicodeBeginning(text, kMaxKeyCharacters);
 }
 
 // A key of bytes as text: each byte becomes the character of that number, which keeps the order of

@@ -81,18 +81,13 @@ void Log(const Request& request, int status, const std::string& reason) {
                  Readable(reason, 300));
 }
 
-std::vector<std::string> MakerNames() {
-  std::vector<std::string> names;
-  for (const auto& facts : AllMakers()) names.emplace_back(facts.slug);
-  names.emplace_back("other");
-  return names;
-}
-
-std::vector<std::string> PageNames() {
-  std::vector<std::string> names;
-  for (const auto& page : AllPages()) names.push_back(page.path.empty() ? "home" : page.path);
-  names.emplace_back("other");
-  return names;
+// Labels of metrics, of which the last one is that of all others.
+template <typename All, typename Name>
+std::vector<std::string> Labels(const All& all, Name name) {
+  std::vector<std::string> labels;
+  for (const auto& one : all) labels.emplace_back(name(one));
+  labels.emplace_back("other");
+  return labels;
 }
 
 }  // namespace
@@ -108,7 +103,9 @@ std::string Addresses(const std::string& server) {
 Server::Server(const std::string& database, ServerOptions theOptions)
     : options(std::move(theOptions)),
       preview(options.isPreviewOff ? std::map<std::string, Response>() : MakePreview()),
-      metrics(MakerNames(), PageNames()),
+      metrics(Labels(AllMakers(), [](const auto& facts) { return facts.slug; }),
+              Labels(AllPages(),
+                     [](const auto& page) { return page.path.empty() ? "home" : page.path; })),
       http({[this](Request request, ResponseCallback done) {
               Serve(std::move(request), std::move(done));
             },

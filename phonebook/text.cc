@@ -1,19 +1,20 @@
 #include "phonebook/text.h"
 
 #include <unicode/uchar.h>
-#include <unicode/unistr.h>
 
 #include <cstdint>
 
 namespace phonebook {
 
-namespace {
-
 icu::UnicodeString Unicode(std::string_view text) {
   return icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
 }
 
-}  // namespace
+icu::UnicodeString UnicodeBeginning(std::string_view text, int count) {
+  auto beginning = Unicode(text.substr(0, 4 * static_cast<std::size_t>(count)));
+  beginning.truncate(beginning.moveIndex32(0, count));
+  return beginning;
+}
 
 bool IsUTF8(std::string_view text) {
   std::string wellFormed;
@@ -32,10 +33,8 @@ bool IsPlainText(std::string_view text) {
 int CountCharacters(std::string_view text) { return Unicode(text).countChar32(); }
 
 std::string TruncateToCharacters(std::string_view text, int count) {
-  auto characters = Unicode(text.substr(0, 4 * static_cast<std::size_t>(count)));
-  characters.truncate(characters.moveIndex32(0, count));
   std::string truncated;
-  return characters.toUTF8String(truncated);
+  return UnicodeBeginning(text, count).toUTF8String(truncated);
 }
 
 }  // namespace phonebook

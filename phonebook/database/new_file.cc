@@ -29,8 +29,8 @@ constexpr const char* kCompanions[] = {"-journal", "-wal", "-shm"};  // of a fil
 }
 
 bool Exists(const std::string& path) {
-  struct stat status = {};
-  return stat(path.c_str(), &status) == 0;
+  std::error_code error;
+  return fs::exists(path, error);
 }
 
 void RemoveWithCompanions(const std::string& path) {

@@ -144,7 +144,7 @@ Result Store::Run(const std::function<Result(Opened&)>& query) {
 
 template <typename Result>
 Result Store::RunUnlessInterrupted(const std::function<Result(Opened&)>& query) {
-  try {
+  return DisconnectOnFailure<Result>([&] {
     const bool wasConnected = IsConnected();
     if (!wasConnected) Connect(database);
     try {
@@ -154,13 +154,18 @@ Result Store::RunUnlessInterrupted(const std::function<Result(Opened&)>& query) 
     }
     Connect(database);  // to a server that was restarted since the last query
     return query(*opened);
-  } catch (const soci::soci_error& error) {
-    Disconnect();
-    throw DatabaseUnavailable(MessageOf(error));
-  } catch (...) {
-    Disconnect();
-    throw;
-  }
+  });
+}
+
+template <typename Result, typename Use>
+Result Store::DisconnectOnFailure(const Use& use) try {
+  return use();
+} catch (const soci::soci_error& error) {
+  Disconnect();
+  throw DatabaseUnavailable(MessageOf(error));
+} catch (...) {
+  Disconnect();
+  throw;
 }
 
 Differences Store::CreateOrOpen(const std::vector<Contact>& contacts, const ImportReporter& report,
@@ -187,19 +192,12 @@ Differences Store::CreateOrOpen(const std::vector<Contact>& contacts, const Impo
 std::optional<Differences> Store::ImportIntoNewFile(const std::vector<Contact>& contacts,
                                                     ImportMode mode, const ImportReporter& report) {
   NewFile file(database);
-  Differences differences;
-  try {
+  const auto differences = DisconnectOnFailure<Differences>([&] {
     Connect(file.Path());
     opened->connection.session << "PRAGMA journal_mode = MEMORY";  // nobody else reads the file
-    differences = CreateOrUpgrade(opened->connection, contacts, mode, report);
-    Disconnect();
-  } catch (const soci::soci_error& error) {
-    Disconnect();
-    throw DatabaseUnavailable(MessageOf(error));
-  } catch (...) {
-    Disconnect();
-    throw;
-  }
+    return CreateOrUpgrade(opened->connection, contacts, mode, report);
+  });
+  Disconnect();
   report(1, 1);
   return file.Publish() ? std::optional(differences) : std::nullopt;
 }

@@ -103,6 +103,8 @@ class Store {
   Result Run(const std::function<Result(Opened&)>& query);
   template <typename Result>
   Result RunUnlessInterrupted(const std::function<Result(Opened&)>& query);
+  template <typename Result, typename Use>
+  Result DisconnectOnFailure(const Use& use);
   std::optional<Differences> ImportIntoNewFile(const std::vector<Contact>& contacts,
                                                ImportMode mode, const ImportReporter& report);
   Differences OpenOrUpgrade(const std::vector<Contact>& contacts, ImportMode mode,
