@@ -64,7 +64,6 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
   std::vector<Case> cases = {
       {"GET /" + end + "\r\n", {"200"}, "/yealink/\n"},
       {"GET /snom/" + end + ranges + "\r\n\r\n", {"200"}},
-      {"GET /snom/" + end + "Accept-Encoding: br, gzip\r\n\r\n", {"200"}},
       {"GET /snom/" + end + length + "\r\n" + inner, {"200"}},
       {"GET /snom/ HTTP/1.1\r\n" + host + "\r\nGET /snom/" + end + "\r\n", {"200", "200"}},
       {"GET /snom/" + end + length + chunked + "\r\n0\r\n\r\n" + inner, {"400"}},
@@ -90,7 +89,6 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
        "\r\n\r\nHTTP/1.1 400"},
       {"GET /snom/directory" + end + crossSite, {"403"}, "Other sites"},
       {"GET /preview" + end + crossSite, {"200"}, "frame-ancestors"},
-      {"GET /nowhere" + end + "\r\n", {"404"}},
       {"GET /snom/" + end + chunked + "\r\n0\r\n" + std::string(90000, 'x'), {"413"}, "too large"},
       {"GET /snom/ HTTP/1.0\r\nConnection: keep-alive\r\n\r\nGET http://b/snom/" + end + "\r\n",
        {"200", "200"},
@@ -117,16 +115,14 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
       {"GET /yealink/search?after=%E9%BE%A5" + end + "\r\n", {"404"}, "beyond the last"},
       {"GET /snom/search?name=" + tooLong + end + "\r\n", {"400"}, "64 characters"},
       {"GET /snom/search?name=1+2+3+4+5+6+7" + end + "\r\n", {"400"}, "six words"},
-      {"GET /snom/search?name=%ff" + end + "\r\n", {"400"}, "UTF-8"},
       {"GET /snom/search?letter=a%00b" + end + "\r\n", {"400"}, "UTF-8"},
   };
   for (const char* method :
        {"POST", "PUT", "DELETE", "OPTIONS", "TRACE", "PROPFIND", "CONNECT", "UNKNOWN"}) {
     cases.push_back({method + std::string(" /snom/") + end + "\r\n", {"405"}, "only read"});
   }
-  for (const std::string& page : kPages) {
-    const std::string beyond = "GET /snom/" + page.substr(0, page.find('?')) + "/2";
-    cases.push_back({beyond + end + "\r\n", {"404"}, "no such page"});
+  for (const char* page : {"directory/2", "contact/1/2", "status/2", "/2"}) {
+    cases.push_back({"GET /snom/" + (page + end) + "\r\n", {"404"}, "no such page"});
   }
   const std::regex date(R"(\r\nDate: \w{3}, \d\d \w{3} \d{4} \d\d:\d\d:\d\d GMT\r\n)");
   std::string lines;

@@ -23,7 +23,7 @@ namespace {
 
 TEST(ContactFiles, AreReadOrRefusedWithAllFaults) {
   // Of contacts their fields, or of faults their lines.
-  const std::vector<std::pair<std::string, std::string>> cases = {
+  std::vector<std::pair<std::string, std::string>> cases = {
       {"name,telephone\nA,1\n\nB,2", "A|1||;B|2||;"},
       {"\xEF\xBB\xBFKey;Telephone;Mail;NAME\r\n7;1;a@b;\"M\xC3\xBCller; \"\"Anna\"\"\"\r\n",
        "M\xC3\xBCller; \"Anna\"|1||7;"},
@@ -43,7 +43,14 @@ TEST(ContactFiles, AreReadOrRefusedWithAllFaults) {
        "f:1: expected a name, a telephone and a department with tabs between\n"
        "f:2: expected a name, a telephone and a department with tabs between"},
       {"name,telephone\n", "f: no contacts in it"},
-      {"", "f: no contacts in it"}};
+      {"", "f: no contacts in it"},
+      {"", ""}};
+  for (int line = 1; line <= 1000; ++line) {
+    cases.back().first += "\t\t\n";
+    cases.back().second += "f:" + std::to_string(line) + ": the name is empty\n";
+  }
+  cases.back().first += "\t\t\n";
+  cases.back().second += "f: 1 more lines are malformed";
   for (const auto& [content, expected] : cases) {
     std::istringstream file(content);
     std::string read;
@@ -56,17 +63,6 @@ TEST(ContactFiles, AreReadOrRefusedWithAllFaults) {
       read = error.what();
     }
     EXPECT_EQ(read, expected) << content;
-  }
-  std::string faults(2002, '\n');
-  for (std::size_t i = 0; i < faults.size(); i += 2) faults[i] = '\t';
-  std::istringstream file(faults);
-  try {
-    ReadContacts(file, "f");
-    ADD_FAILURE();
-  } catch (const std::exception& error) {
-    const std::string said = error.what();
-    EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1000);
-    EXPECT_EQ(said.substr(said.rfind('\n')), "\nf: 1 more lines are malformed");
   }
 }
 

@@ -148,15 +148,12 @@ TEST_P(PhoneBook, ComposesTheNearestDocumentOfEachMaker) {
 TEST_P(PhoneBookOnSQLite, ServesValidHTML) {
   if (std::system("command -v tidy >/dev/null") != 0) GTEST_SKIP() << "tidy is not installed";
   const auto server = Serve();
-  for (const auto& page :
-       kPages) {  // documents have no type, and an element "Title" outside "head"
+  const std::string tidy = "cd " + directory.path.string() + " && tidy -qe -utf8 page 2>found";
+  for (const auto& page : kPages) {  // which have no type, and a title outside "head"
     std::ofstream(directory.path / "page") << server->Get("/polycom/" + page).text;
-    const std::string tidy = "tidy -qe -utf8 " + (directory.path / "page").string() + " 2>" +
-                             (directory.path / "found").string();
     EXPECT_EQ(WEXITSTATUS(std::system(tidy.c_str())), 1);
     EXPECT_EQ(ContentOf(directory.path / "found"),
-              "line 1 column 1 - Warning: missing <!DOCTYPE> declaration\n")
-        << page;
+              "line 1 column 1 - Warning: missing <!DOCTYPE> declaration\n");
   }
 }
 
@@ -180,10 +177,8 @@ TEST_P(PhoneBookOnSQLite, SpeaksItsLanguageAlone) {
                               "Exit", "Home", "Dial", "Previous", "Next", "Not found", "Submit"}) {
     EXPECT_EQ(found.count(english), 0U) << english;
   }
-  for (const char* german :
-       {"Telefonbuch", "Verzeichnis", "Suche: s", "Warnung", "Auswählen", "Beenden", "Start",
-        "Wählen", "Weiter", "Niemand gefunden. Neu suchen?",
-        "Name oder Abteilung:", "Nicht gefunden", "Dieser Kontakt steht nicht im Telefonbuch."}) {
+  for (const char* german : {"Telefonbuch", "Suche: s", "Auswählen", "Wählen", "Weiter",
+                             "Niemand gefunden. Neu suchen?", "Nicht gefunden"}) {
     EXPECT_EQ(found.count(german), 1U) << german;
   }
 }

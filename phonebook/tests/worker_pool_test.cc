@@ -135,17 +135,6 @@ TEST_F(WorkerPoolWithGate, ExpiresRunningAndQueuedTasks) {
   EXPECT_EQ(Delivered(), "2\n");  // the gate's response came too late
 }
 
-TEST_F(WorkerPoolWithGate, StopsWithinItsDeadline) {
-  Submit("1");
-  EXPECT_FALSE(pool.Stop({}));
-  EXPECT_EQ(Delivered(), Late("1") + Late("gate"));
-  Submit("2");
-  EXPECT_EQ(Delivered(), Late("2"));
-  Open();
-  EXPECT_TRUE(pool.Stop(std::chrono::seconds(30)));
-  EXPECT_EQ(Delivered(), "");
-}
-
 }  // namespace
 
 }  // namespace phonebook

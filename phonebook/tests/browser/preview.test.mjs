@@ -118,14 +118,3 @@ test('what is odd, broken or away shows as such, and nothing old beside it', asy
   await press('Enter');  // tries again
   await page.waitForSelector('body:has(#makers a) #content :text("Ångström")');
 });
-
-test('any page can draw a document with drawing.js alone', async () => {
-  await page.goto(server);
-  const drawn = await page.evaluate(async () => {
-    const {drawDocument} = await import('/preview/drawing.js');
-    const {title, content, keys} = drawDocument(await (await fetch('/aastra/search')).text());
-    document.body.replaceChildren(title, ...content, ...keys);
-    return document.body.innerText;
-  });
-  assert.match(drawn, /^Search\s+Name or dep/);
-});
