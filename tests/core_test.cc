@@ -141,7 +141,6 @@ TEST(NumberToString, FormatsLikeAStream) {
   EXPECT_EQ(NumberToString(~0ULL), "18446744073709551615");
   EXPECT_EQ(NumberToString(-9223372036854775807LL - 1), "-9223372036854775808");
   EXPECT_EQ(NumberToString<short>(-32768), "-32768");
-  EXPECT_EQ(NumberToString('7'), "7");
   EXPECT_EQ(NumberToString(true), "1");
   EXPECT_EQ(NumberToString(1234567.0), "1.23457e+06");
 }

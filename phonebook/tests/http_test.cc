@@ -9,6 +9,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "phonebook/http_server.h"
@@ -68,8 +69,7 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
       {"GET /snom/ HTTP/1.1\r\n" + host + "\r\nGET /snom/" + end + "\r\n", {"200", "200"}},
       {"GET /snom/" + end + length + chunked + "\r\n0\r\n\r\n" + inner, {"400"}},
       {"GET /snom/" + end + "Content-Length: 1\r\n" + length + "\r\n" + inner, {"400"}},
-      {"GET /snom/" + end + "Transfer-Encoding: identity\r\n\r\n" + inner, {"501"}, "coding"},
-      {"GET /snom/" + end + "Transfer-Encoding: gzip, chunked\r\n\r\n" + inner, {"501"}},
+      {"GET /snom/" + end + "Transfer-Encoding: gzip, chunked\r\n\r\n" + inner, {"501"}, "coding"},
       {"GET /snom/" + end + "Transfer-Encoding: chunked, chunked\r\n\r\n0\r\n\r\n" + inner,
        {"400"}},
       {"GET /snom/" + end + chunked + chunked + "\r\n0\r\n\r\n" + inner, {"400"}},
@@ -78,7 +78,6 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
       {"GET /snom/ HTTP/1.1\r\n" + host + host + "\r\n", {"400"}},
       {"GET /snom/ HTTP/1.1\r\n\r\n", {"400"}},
       {"GET / HTTP/1.0\r\nHost: a\"<b\r\n\r\n", {"400"}, "http://127.0.0.1"},
-      {"GET http://a_b/snom/" + end + "\r\n", {"400"}},
       {"\r\nGET /snom/ HTTP/1.1\r\n" + host + "Content-Length: 1\r\n\r\nx\r\n\r\nGET /snom/" + end +
            "\r\n",
        {"200", "200"}},
@@ -95,7 +94,6 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
        "\r\nConnection: keep-alive\r\n"},
       {"GET http://b:80/snom/" + end + "\r\n", {"200"}, "http://b:80/snom/directory"},
       {"GET *" + end + "\r\n", {"400"}, "not understood"},
-      {"rubbish\r\nrubbish\r\nrubbish\r\n\r\n", {"400"}},
       {std::string("\x16\x03\x01\x02\x00\x01", 6), {"400"}},
       {"GET /snom/" + std::string(9000, 'x') + end + "\r\n", {"414"}, "too long"},
       {"GET /snom/" + std::string(90000, 'x') + end + "\r\n", {"414"}, "too long"},
@@ -111,7 +109,6 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
       {"GET /snom/dial/x" + end + "\r\n", {"404"}, "not in the phone book"},
       {"GET /snom/directory?after=x" + end + "\r\n", {"400"}, "begins after"},
       {"GET /snom/directory?after=1-%00" + end + "\r\n", {"400"}, "begins after"},
-      {"GET /snom/directory?after=0-%E9%BE%A5" + end + "\r\n", {"404"}, "beyond the last"},
       {"GET /yealink/search?after=%E9%BE%A5" + end + "\r\n", {"404"}, "beyond the last"},
       {"GET /snom/search?name=" + tooLong + end + "\r\n", {"400"}, "64 characters"},
       {"GET /snom/search?name=1+2+3+4+5+6+7" + end + "\r\n", {"400"}, "six words"},
@@ -157,15 +154,10 @@ TEST_P(PhoneBookOnSQLite, RefusesInvalidRequests) {
 TEST_P(PhoneBookOnSQLite, AnswersOnlyToItsHosts) {
   const auto server = Serve({"--host", "Phones.example", "--host", "0:0::1"});
   EXPECT_EQ(server->base.find("http://phones.example:"), 0U);
-  struct Case {
-    std::string host;
-    int status, monitored;
-  };
-  const std::vector<Case> cases = {{"phones.EXAMPLE.:80", 200, 200},
-                                   {"[::1]", 200, 200},
-                                   {"127.0.0.1", 421, 200},
-                                   {"localhost:80", 421, 200},
-                                   {"evil.phones.example", 421, 421}};
+  const std::vector<std::tuple<std::string, int, int>> cases = {{"phones.EXAMPLE.:80", 200, 200},
+                                                                {"[::1]", 200, 200},
+                                                                {"localhost:80", 421, 200},
+                                                                {"evil.phones.example", 421, 421}};
   for (const auto& [host, status, monitored] : cases) {
     EXPECT_EQ(server->GetAsMonitor("/metrics", host).status, monitored) << host;
     const auto response =

@@ -18,11 +18,6 @@ namespace phonebook::tests {
 
 namespace {
 
-// The columns of each version. Those of a released version never change.
-const Texts kColumnsOfVersions = {"name, telephone, department", "name, telephone, department",
-                                  "name, telephone, department",
-                                  "name, telephone, department, key"};
-
 class Schema : public PhoneBook {
  protected:
   // Version 1 had no number. Two contacts, of which only the second is indexed, whatever the first
@@ -75,10 +70,6 @@ class Schema : public PhoneBook {
     for (const auto& rename : DialectOf(database).renames) *session << rename;
     *session << "CREATE TABLE schema_version (version INTEGER NOT NULL)";
     *session << "INSERT INTO schema_version VALUES (" << version << ")";
-    for (const auto& column : kColumns) {
-      if (column.since == 1 || column.since > version) continue;
-      *session << "ALTER TABLE contacts ADD COLUMN " << column.name << " TEXT NOT NULL DEFAULT ''";
-    }
   }
 
   // Goes on with another database, which is empty.
@@ -101,14 +92,11 @@ class Schema : public PhoneBook {
 };
 
 TEST(SchemaVersions, KeepTheirColumns) {
-  ASSERT_EQ(kColumnsOfVersions.size(), static_cast<std::size_t>(kSchemaVersion));
-  for (int version = 1; version <= kSchemaVersion; ++version) {
-    std::string names;
-    for (const auto& column : kColumns) {
-      if (column.since <= version) names += (names.empty() ? "" : ", ") + std::string(column.name);
-    }
-    EXPECT_EQ(names, kColumnsOfVersions.at(static_cast<std::size_t>(version - 1))) << version;
+  std::string versions;
+  for (const auto& column : kColumns) {
+    versions += std::string(column.name) + " " + std::to_string(column.since) + "\n";
   }
+  EXPECT_EQ(versions, "name 1\ntelephone 1\ndepartment 1\nkey 4\n");
   EXPECT_NE(
       ContentOf(DOCUMENTATION "phonebook-running.md").find("contacts (id, " + ColumnNames() + ")"),
       std::string::npos);
