@@ -61,7 +61,7 @@ class Reader {
     if (!isCSV && line.front() == '#') return true;
     if (!isCSV) std::replace(line.begin(), line.end(), kNoQuote, ' ');
     if (csv_parse(&parser, line.data(), line.size(), &AddField, &AddRow, this) != line.size()) {
-      AddFault(number, "a quote is neither doubled nor around a field");
+      AddFault(first, "a quote is neither doubled nor around a field");
       hasEnded = true;
     }
     return !hasEnded;

@@ -35,7 +35,7 @@ TEST(ContactFiles, AreReadOrRefusedWithAllFaults) {
        "f:4: the name is empty\nf:5: the telephone is empty\nf:7: the key is that of line 2\n"
        "f:8: expected 3 fields as in the header, not 1\nf:9: this is not UTF-8"},
       {"name,telephone\nA,\"1\nB,2\n", "f:2: a quote is never closed"},
-      {"name,telephone\nA,1\nB \"b\",2\nC,3\n",
+      {"name,telephone\nA,1\nB,\"2\n\"C\",3\n",
        "f:3: a quote is neither doubled nor around a field"},
       {"name,name,phone\nA,B,1\n",
        "f:1: the column name is repeated\nf:1: the header lacks the column telephone"},
