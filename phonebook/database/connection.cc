@@ -57,7 +57,9 @@ void DatabaseConnection::OpenFile() {
     open("?mode=rw");  // which creates no file
   } catch (const soci::soci_error& error) {
     // A read-only database can't have a write-ahead log.
-    if (IsDamaged(error) || access(path.c_str(), W_OK) == 0) throw;
+    if (IsDamaged(error) || access(path.c_str(), R_OK) != 0 || access(path.c_str(), W_OK) == 0) {
+      throw DatabaseUnavailable(database + ": " + MessageOf(error));
+    }
     session.close();
     if (HasLog(path)) {
       throw DatabaseUnavailable(database + " is read-only, and the changes in " + database +

@@ -162,7 +162,7 @@ Result Store::DisconnectOnFailure(const Use& use) try {
   return use();
 } catch (const soci::soci_error& error) {
   Disconnect();
-  throw DatabaseUnavailable(MessageOf(error));
+  throw DatabaseUnavailable((dialect.isPostgreSQL ? "" : database + ": ") + MessageOf(error));
 } catch (...) {
   Disconnect();
   throw;
