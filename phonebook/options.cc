@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <exception>
+#include <memory>
+#include <set>
 
 #include "phonebook/numbers.h"
 #include "phonebook/trusted_proxies.h"
@@ -46,11 +48,26 @@ std::optional<std::string> CheckRegion(const std::string& region) {
   return region.empty() || IsRegion(region) ? std::optional(region) : std::nullopt;
 }
 
+// CLI11 ignores a line that repeats a name.
+class Configuration : public CLI::ConfigTOML {
+ public:
+  std::vector<CLI::ConfigItem> from_config(std::istream& file) const override {
+    auto lines = CLI::ConfigTOML::from_config(file);
+    std::set<std::string> names;
+    for (const auto& line : lines) {
+      if (names.insert(line.fullname()).second) continue;
+      throw CLI::ConfigError("the configuration repeats " + line.name);
+    }
+    return lines;
+  }
+};
+
 void AddOptions(CLI::App& app, Options& options) {
   ServerOptions& server = options.server;
   app.set_version_flag("--version", PHONEBOOK_VERSION);
   app.set_config("--config", "/etc/teleform/phonebook.conf",
                  "file with a line NAME = VALUE for any of these options");
+  app.config_formatter(std::make_shared<Configuration>());
   app.allow_config_extras(CLI::config_extras_mode::error);
   app.option_defaults()->always_capture_default();
   app.add_option("--address", server.address, "IP address to listen on");

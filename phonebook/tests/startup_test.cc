@@ -104,7 +104,7 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
   const std::vector<Case> cases = {
       {{}, "other tables than a phone book", other},
       {{}, "No such file", directory.path / "no" / "such.db"},
-      {{}, "error: database disk image is malformed", damaged},
+      {{}, "damaged.db: database disk image is malformed", damaged},
       {{}, "symbolic link to a missing file", dangling},
       {{}, "not a database", file("text", "no database at all, but some text")},
       {{"--contacts", file("nul.tsv", std::string("A\0\t1\t\n", 6))}, "nul.tsv:1: there is a NUL"},
@@ -112,6 +112,7 @@ TEST_P(PhoneBookOnSQLite, StartsOnlyWithValidOptions) {
       {{"--address", "somewhere"}, "can't listen on somewhere"},
       {{"--config", file("typo.conf", "prot = 8080\n")}, "prot"},
       {{"--config", file("bad.conf", "region = Germany\n")}, "a country such as DE"},
+      {{"--config", file("twice.conf", "region = DE\nport = 0\nregion = FR\n")}, "repeats region"},
       {{"--trusted-proxy", "192.0.2.0/33"}, "it must be like 192.0.2.1"},
       {{"--admin-address", "somewhere:1"}, "it must be like 127.0.0.1"},
       {{"--admin-address", "127.0.0.1:"}, "it must be like 127.0.0.1"},
