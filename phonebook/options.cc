@@ -65,6 +65,7 @@ class Configuration : public CLI::ConfigTOML {
 void AddOptions(CLI::App& app, Options& options) {
   ServerOptions& server = options.server;
   app.set_version_flag("--version", PHONEBOOK_VERSION);
+  app.set_help_all_flag("--help-all", "print this, and the options of all commands");
   app.set_config("--config", "/etc/teleform/phonebook.conf",
                  "file with a line NAME = VALUE for any of these options");
   app.config_formatter(std::make_shared<Configuration>());
