@@ -34,9 +34,7 @@ Character FirstOf(std::string_view text) {
   return {size, code};
 }
 
-bool IsControl(char32_t code) { return code < 0x20 || (code >= 0x7f && code < 0xa0); }
-
-// What XML has to say instead of a character; nothing if it may stand there.
+// What XML has to say instead of a character that is not plain; nothing if it may stand there.
 std::string_view ReplacementOf(const Character& character) {
   if (character.size == 0) return "\uFFFD";
   switch (character.code) {
@@ -52,7 +50,7 @@ std::string_view ReplacementOf(const Character& character) {
     case '\n':
       return "";
     default:
-      return IsControl(character.code) ? " " : "";
+      return character.code < 0xa0 ? " " : "";  // a control character
   }
 }
 
