@@ -34,6 +34,13 @@ TEST(ObjectPool, KeepsABoundedShareOfEachClass) {
       EXPECT_EQ(AllocationsOf<CiscoIPPhoneDirectory>(32), round == 0 ? 97U : 1U);
       EXPECT_LT(Allocations::LiveBytes() - before, 144 << 10);
     }
+    {  // ends when others have filled the pool
+      SnomIPPhoneDirectory large("", 1 << 30);
+      for (int i = 0; i < 2000; ++i) large.AppendEntry(kLong, kLong);
+      AllocationsOf<SnomIPPhoneDirectory>(1);
+      AllocationsOf<CiscoIPPhoneDirectory>(10000);
+    }
+    EXPECT_LT(Allocations::LiveBytes() - before, 144 << 10);
   });
 }
 #endif

@@ -37,7 +37,7 @@ ObjectPool::ClassPool* ObjectPool::AddClass(void (*deleteObject)(void*)) noexcep
 void ObjectPool::MakeRoomFor(ClassPool& pool, std::size_t objects) noexcept {
   ThreadPools& pools = *thisThread.pools;
   // Classes whose pools are full would leave nothing for a class that comes later.
-  const bool hasNoShare = std::exchange(pool.wasEmpty, false) && pool.objects.empty();
+  const bool hasNoShare = std::exchange(pool.wasEmpty, false);
   if (hasNoShare && pools.bytes > kMaxPooledBytes / 2) pools.DeleteObjects();
   constexpr std::size_t kListBytes = sizeof(ClassPool::Pooled);
   constexpr std::size_t kMost = kMaxPooledBytes / (sizeof(IPPhoneDirectoryEntry) + kListBytes);
