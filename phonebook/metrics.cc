@@ -10,7 +10,7 @@ namespace phonebook {
 namespace {
 
 constexpr std::size_t kFirstStatus = 200;
-constexpr std::size_t kStatuses = 304;  // up to 503
+constexpr std::size_t kStatusCount = 304;  // up to 503
 
 }  // namespace
 
@@ -28,13 +28,13 @@ Metrics::Metrics(std::vector<std::string> theMakers, std::vector<std::string> th
                 .Add({}, prometheus::Histogram::BucketBoundaries{.0001, .00025, .0005, .001, .0025,
                                                                  .005, .01, .025, .05, .1, .25, .5,
                                                                  1., 2.5})),
-      counters(makers.size() * pages.size() * kStatuses) {}
+      counters(makers.size() * pages.size() * kStatusCount) {}
 
 void Metrics::Count(const RequestLabels& labels, int status, Clock::duration time) noexcept {
   const std::size_t maker = std::min(labels.maker, makers.size() - 1);
   const std::size_t page = std::min(labels.page, pages.size() - 1);
   const std::size_t index = static_cast<std::size_t>(status) - kFirstStatus;
-  auto& counter = counters[(maker * pages.size() + page) * kStatuses + index];
+  auto& counter = counters[(maker * pages.size() + page) * kStatusCount + index];
   if (counter == nullptr) {
     counter = &requests.Add(
         {{"maker", makers[maker]}, {"page", pages[page]}, {"status", std::to_string(status)}});
