@@ -85,6 +85,7 @@ void Log(const Request& request, int status, const std::string& reason) {
 template <typename All, typename Name>
 std::vector<std::string> Labels(const All& all, Name name) {
   std::vector<std::string> labels;
+  labels.reserve(all.size() + 1);
   for (const auto& one : all) labels.emplace_back(name(one));
   labels.emplace_back("other");
   return labels;
