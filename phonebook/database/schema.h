@@ -6,8 +6,8 @@
 /// - `contacts`: what users and other programs write, and the keys by which contacts are listed and
 ///   found: `collation_key`, and `all_keys`, which are the word keys of all searched columns, each
 ///   after a `kWordMark`. `is_indexed` tells whether the keys are those of the present text.
-/// - `search_keys`: a row for each word key of a contact with which its collation key doesn't
-/// begin.
+/// - `search_keys`: a row for each word key of a contact, but for one with which its collation key
+///   begins.
 /// - `removed_contacts`: the keys of contacts that were deleted, whose search keys are still there.
 /// - `notices`: texts by name.
 /// - `schema_version`: one row, the version of this shape.
