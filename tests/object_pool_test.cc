@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 #include <teleform/teleform.h>
 
-#include <future>
-
 #include "allocations.h"
 
 namespace {

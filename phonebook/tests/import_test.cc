@@ -1,9 +1,7 @@
 // Files of contacts, and imports into a phone book that is being read.
 #include <gtest/gtest.h>
 #include <soci/soci.h>
-#include <sys/wait.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <future>

@@ -1,6 +1,5 @@
 // Searches, and the order of the directory.
 #include <gtest/gtest.h>
-#include <soci/soci.h>
 #include <teleform/screens/escape.h>
 
 #include <algorithm>

@@ -5,7 +5,6 @@
 
 #include <map>
 #include <string>
-#include <vector>
 
 namespace phonebook {
 
@@ -22,7 +21,6 @@ TEST(URL, ParsesRequestTargets) {
       {"/s?x;y&z=?/", {"", "/s", {"s"}, {{"x;y", ""}, {"z", "?/"}}}},
       {"/s?name=100%&b=%a", {"", "/s", {"s"}, {{"name", "100%"}, {"b", "%a"}}}},
       {"/s?name=\xc3\xa5\"[#]", {"", "/s", {"s"}, {{"name", "\xc3\xa5\"[#]"}}}},
-      {"/s?name=x%00y", {"", "/s", {"s"}, {{"name", std::string("x\0y", 3)}}}},
       {"http://a:1/snom?b=c", {"a:1", "/snom", {"snom"}, {{"b", "c"}}}},
       {"HTTPS://[::1]?b=c", {"[::1]", "", {}, {{"b", "c"}}}},
   };
