@@ -1,6 +1,7 @@
 #include "documents.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <sstream>
 #include <stdexcept>
@@ -31,13 +32,9 @@ constexpr const char* kDirectoryEntry = R"(<DirectoryEntry>
 <Telephone>{second}</Telephone>
 </DirectoryEntry>
 )";
-constexpr const char* kSnomDirectory = R"(<SnomIPPhoneDirectory>
+constexpr const char* kDirectory = R"(<{maker}IPPhoneDirectory>
 <Title>{title}</Title>
-{elements}{keys}</SnomIPPhoneDirectory>
-)";
-constexpr const char* kYealinkDirectory = R"(<YealinkIPPhoneDirectory>
-<Title>{title}</Title>
-{elements}{keys}</YealinkIPPhoneDirectory>
+{elements}{keys}</{maker}IPPhoneDirectory>
 )";
 
 }  // namespace
@@ -100,8 +97,8 @@ const std::vector<DocumentClass> kDocumentClasses = {
 <Text>{text}</Text>
 {keys}</SnomIPPhoneText>
 )"},
-    {"SnomIPPhoneMenu", MakeList<SnomIPPhoneMenu>, kSnomDirectory, kDirectoryEntry},
-    {"SnomIPPhoneDirectory", MakeList<SnomIPPhoneDirectory>, kSnomDirectory, kDirectoryEntry},
+    {"SnomIPPhoneMenu", MakeList<SnomIPPhoneMenu>, kDirectory, kDirectoryEntry},
+    {"SnomIPPhoneDirectory", MakeList<SnomIPPhoneDirectory>, kDirectory, kDirectoryEntry},
     {"SnomIPPhoneInput", Make<SnomIPPhoneInput, &Given::title, &Given::type>, R"(<SnomIPPhoneInput>
 <Title>{title}</Title>
 <Prompt>{prompt}</Prompt>
@@ -120,9 +117,8 @@ const std::vector<DocumentClass> kDocumentClasses = {
 <Text>{text}</Text>
 </YealinkIPPhoneText>
 )"},
-    {"YealinkIPPhoneMenu", MakeList<YealinkIPPhoneMenu>, kYealinkDirectory, kDirectoryEntry},
-    {"YealinkIPPhoneDirectory", MakeList<YealinkIPPhoneDirectory>, kYealinkDirectory,
-     kDirectoryEntry},
+    {"YealinkIPPhoneMenu", MakeList<YealinkIPPhoneMenu>, kDirectory, kDirectoryEntry},
+    {"YealinkIPPhoneDirectory", MakeList<YealinkIPPhoneDirectory>, kDirectory, kDirectoryEntry},
 };
 
 namespace {
@@ -175,7 +171,8 @@ class Model {
   Model(const DocumentClass& theClass, const ConstructorArguments& arguments)
       : documentClass(theClass),
         maxItems(arguments.maxItems),
-        fields({{"title", UpToNul(arguments.title)},
+        fields({{"maker", std::string(theClass.name, std::strstr(theClass.name, "IPPhone"))},
+                {"title", UpToNul(arguments.title)},
                 {"type", arguments.type},
                 {"password", arguments.isPassword ? " password = \"yes\"" : ""},
                 {"index", "0"}}) {}

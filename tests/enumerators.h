@@ -8,11 +8,12 @@
 
 #include <string>
 
+#include "documents.h"
+
 namespace {
 
 std::string TextBetween(const char* open, const char* close, IPPhoneXML& document) {
-  std::string out;
-  document.Render(out);
+  const std::string out = RenderToString(document);
   const std::size_t begin = out.find(open) + std::string(open).size();
   return out.substr(begin, out.find(close, begin) - begin);
 }

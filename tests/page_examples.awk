@@ -9,20 +9,27 @@
 function finish_block() {
   if (language == "cpp") {
     code = block
-  } else if (code != "" && code ~ /int main\(/) {
+    return
+  }
+  if (code ~ /int main\(/) {
     if (program != "" && !programs++) {
       printf "%s", code >program
       printf "%s", block >printed
     }
-    code = ""
-  } else if (code != "") {
-    page = FILENAME
-    gsub(/^.*\/|\.md$/, "", page)
-    if (program == "")
-      printf "TEST(Documentation, %sLine%d) {\n%sEXPECT_EQ(out, R\"~~(%s)~~\");\n}\n",
-        page, FNR, code, block
-    code = ""
+  } else if (code != "" && program == "")
+    printf "TEST(Documentation, %sLine%d) {\n%sEXPECT_EQ(out, R\"~~(%s)~~\");\n}\n",
+      page, FNR, code, block
+  code = ""
+}
+function finish_table() {
+  if (cases != "" && program == "") {
+    printf "TEST(Documentation, EnumeratorsOf_%s_%d) {\n  using namespace teleform::screens;\n",
+      page, ++tables
+    printf "%s  const auto areAll = [](decltype(%s) value) {\n", rows, first
+    printf "    switch (value) {\n%s        return true;\n    }\n    return false;\n  };\n", cases
+    printf "  EXPECT_TRUE(areAll(%s));\n}\n", first
   }
+  cases = rows = ""
 }
 BEGIN {
   if (program == "") {
@@ -31,21 +38,14 @@ BEGIN {
     print "#include \"enumerators.h\""
   }
 }
-function finish_table() {
-  if (cases != "" && program == "") {
-    printf "TEST(Documentation, EnumeratorsOf_%s_%d) {\n  using namespace teleform::screens;\n",
-      tables_page, ++tables
-    printf "%s  const auto areAll = [](decltype(%s) value) {\n", rows, first
-    printf "    switch (value) {\n%s        return true;\n    }\n    return false;\n  };\n", cases
-    printf "  EXPECT_TRUE(areAll(%s));\n}\n", first
-  }
-  cases = rows = ""
+FNR == 1 {
+  finish_table()
+  page = FILENAME
+  gsub(/^.*\/|\.md$/, "", page)
 }
 !is_inside && /^\| `[A-Za-z_0-9:]+` \| (0x)?[0-9]+ \| `[^`]+` \|/ {
   split($0, cells, /` \| | \| `|^\| `|` \|$/)
   if (cases == "") first = cells[2]
-  tables_page = FILENAME
-  gsub(/^.*\/|\.md$/, "", tables_page)
   rows = rows "  EXPECT_EQ(static_cast<int>(" cells[2] "), " cells[3] ");\n" \
     "  EXPECT_EQ(Written(" cells[2] "), R\"~~(" cells[4] ")~~\");\n"
   cases = cases "      case " cells[2] ":\n"
@@ -60,5 +60,7 @@ function finish_table() {
   next
 }
 is_inside { block = block $0 "\n" }
-END { finish_table() }
-END { if (program != "" && !programs) exit 1 }
+END {
+  finish_table()
+  if (program != "" && !programs) exit 1
+}
