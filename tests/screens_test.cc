@@ -306,18 +306,12 @@ TEST(Escape, TakesAnyBytes) {
 }
 
 TEST(Escape, DecodesWhatIsEncodedAndNothingElse) {
-  const struct {
-    const char *text, *decoded;
-  } rows[] = {
-      {"%41%4a%4A", "AJJ"},
-      {"%", "%"},
-      {"%4", "%4"},
-      {"%4%zz%", "%4%zz%"},
-      {"%+1%-1% 1%0x", "%+1%-1% 1%0x"},
-      {"%2541", "%41"},
-      {"a+b%2B", "a+b+"},
-  };
-  for (const auto& row : rows) EXPECT_EQ(PercentDecode(row.text, false), row.decoded);
+  const std::map<std::string, std::string> rows = {{"%41%4a%4A%2541", "AJJ%41"},
+                                                   {"%4", "%4"},
+                                                   {"%4%zz%", "%4%zz%"},
+                                                   {"%+1%-1% 1%0x", "%+1%-1% 1%0x"},
+                                                   {"a+b%2B", "a+b+"}};
+  for (const auto& [text, decoded] : rows) EXPECT_EQ(PercentDecode(text, false), decoded);
   EXPECT_EQ(PercentDecode("a+b%2B", true), "a b+");
 }
 
