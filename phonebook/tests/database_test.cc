@@ -6,7 +6,6 @@
 
 #include <boost/asio.hpp>
 #include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <future>
 #include <memory>
@@ -147,14 +146,9 @@ TEST(Database, IsInterruptedAtEachStepOfConnecting) {
     auto found = std::async(std::launch::async, [&] { return store.FindContact(1); });
     tcp::socket peer = acceptor.accept();
     std::string all;
-    for (bool hasSpoken = false; all.find(heard) == all.npos || !hasSpoken;) {
-      char byte = 0;
-      boost::asio::read(peer, boost::asio::buffer(&byte, 1));
-      all += byte;
-      if (hasSpoken || all.find("UTF8") == all.npos) continue;
-      boost::asio::write(peer, boost::asio::buffer(says));
-      hasSpoken = true;
-    }
+    boost::asio::read_until(peer, boost::asio::dynamic_buffer(all), "UTF8");
+    boost::asio::write(peer, boost::asio::buffer(says));
+    boost::asio::read_until(peer, boost::asio::dynamic_buffer(all), heard);
     store.Interrupt();
     EXPECT_THROW(found.get(), DatabaseUnavailable) << heard;
   }

@@ -7,6 +7,7 @@
 #include <soci/soci.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
@@ -38,14 +39,12 @@ class TemporaryDirectory : boost::noncopyable {
 };
 
 /// How many files there are beside an SQLite database whose names have its name, it included.
-inline int FilesNamed(const fs::path& database) {
-  int files = 0;
-  if (!fs::exists(database.parent_path())) return files;  // a URI
-  for (const auto& entry : fs::directory_iterator(database.parent_path())) {
-    files +=
-        entry.path().filename().string().find(database.filename()) == std::string::npos ? 0 : 1;
-  }
-  return files;
+inline auto FilesNamed(const fs::path& database) {
+  std::error_code ignored;  // no folder: a URI
+  return std::count_if(
+      fs::directory_iterator(database.parent_path(), ignored), {}, [&](auto& file) {
+        return file.path().filename().string().find(database.filename()) != std::string::npos;
+      });
 }
 
 /// A PostgreSQL of the tests' own.
