@@ -1,4 +1,4 @@
-// What phones dial for numbers as people of five countries write them.
+// What phones dial for numbers as people of eleven countries write them.
 #include "phonebook/numbers.h"
 
 #include <gtest/gtest.h>
@@ -25,13 +25,24 @@ TEST(Numbers, AreDialedAsTheirCountriesWriteThem) {
       {"DE", "+49 30 55501022 Durchwahl 12", "+493055501022"},
       {"AT", "01/588 58-0", "+431588580"},
       {"US", "(212) 555-0123", "+12125550123"},
+      {"US", "+1 212-555-0123 ext. 45", "+12125550123"},
+      {"US", "011 44 20 7946 0018", "+442079460018"},
       {"US", "1-800-FLOWERS", "+18003569377"},
       {"US", "212-555-0123, 646-555-0199", "+12125550123"},
       {"GB", "020 7946 0018", "+442079460018"},
+      {"GB", "+44 (0) 20 7946 0018", "+442079460018"},
+      {"FR", "01 42 68 53 00", "+33142685300"},
+      {"FR", "+33 (0)1.42.68.53.00", "+33142685300"},
+      {"CH", "044 668 18 00", "+41446681800"},
+      {"NL", "020-555 1111", "+31205551111"},
+      {"ES", "912 34 56 78", "+34912345678"},
+      {"SE", "08-123 456 78", "+46812345678"},
+      {"PL", "22 123 45 67", "+48221234567"},
       {"IT", "06 6982 1234", "+390669821234"},  // the 0 is part of the number
       // What has no country, and what is no number of the public network.
       {"", "030 5550-1022", "03055501022"},
       {"DE", "1022", "1022"},
+      {"DE", "112", "112"},
       {"DE", "10 22 / 0171 2345678", "1022"},
       {"DE", "*21*1022#", "*21*1022#"},
       {"DE", "sip:anna@phones.example", "sip:anna@phones.example"},
