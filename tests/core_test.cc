@@ -87,13 +87,9 @@ TEST(Directory, DeletesEntriesFromFirstToLast) {
 
 // The entries write more than the directory has reserved for them.
 TEST(Directory, RendersLongerEntriesOfAnotherClassOrNothing) {
-  struct CustomDirectory : CiscoIPPhoneDirectory {
-    CustomDirectory() : CiscoIPPhoneDirectory("Own", 9) {}
-    using CiscoIPPhoneDirectory::entries;
-  };
   std::string deletedNames;
   const std::string longText = "<!--" + std::string(10000, '-') + "-->";
-  CustomDirectory directory;
+  OpenDirectory directory;
   directory.entries.push_back(std::make_unique<CustomEntry>(longText, deletedNames));
   directory.entries.push_back(std::make_unique<IPPhoneDirectoryEntry>("writes nothing", "1"));
   const std::string kept = "kept content that is too long for the small string buffer";

@@ -68,4 +68,10 @@ void ApplyAll(IPPhoneXML& document, const Arguments& arguments);
 // @throws std::logic_error that describes the first difference.
 void CompareWithModel(const DocumentClass& documentClass, const RandomBelow& randomBelow);
 
+// A directory with public entries.
+struct OpenDirectory : CiscoIPPhoneDirectory {
+  OpenDirectory() : CiscoIPPhoneDirectory("Own", 1 << 30) {}
+  using CiscoIPPhoneDirectory::entries;
+};
+
 std::string RenderToString(IPPhoneXML& document);

@@ -1,17 +1,12 @@
 // Objects of documents that have ended, and who may have them.
 #include <gtest/gtest.h>
-#include <teleform/teleform.h>
 
 #include "allocations.h"
+#include "documents.h"
 
 namespace {
 
 const std::string kLong(40, 'x');
-
-struct ExposedDirectory : CiscoIPPhoneDirectory {
-  ExposedDirectory() : CiscoIPPhoneDirectory("", 1 << 30) {}
-  using CiscoIPPhoneDirectory::entries;
-};
 
 template <typename Directory>
 std::size_t AllocationsOf(std::size_t count) {
@@ -47,7 +42,7 @@ TEST(ObjectPool, LeavesEntriesToTheirOwners) {
   ExpectToFreeAll([] {
     std::vector<std::unique_ptr<IPPhoneDirectoryEntry>> kept;
     for (const auto& name : {kLong, kLong + "2", std::string("3")}) {
-      ExposedDirectory directory;
+      OpenDirectory directory;
       directory.AppendEntry(name, "1");
       directory.AppendEntry("dropped", "1");
       directory.entries.emplace_back(new CiscoIPPhoneDirectoryEntry("also dropped", "1"));
@@ -70,7 +65,7 @@ TEST(ObjectPool, DestroysEntriesOfSubclasses) {
     std::string more = kLong;
   };
   ExpectToFreeAll([] {
-    ExposedDirectory directory;
+    OpenDirectory directory;
     directory.AppendEntry("own", "1");
     for (int i = 0; i < 3; ++i) directory.entries.emplace_back(new Entry);
   });
@@ -80,7 +75,7 @@ TEST(ObjectPool, DestroysEntriesOfSubclasses) {
 // Its destructor runs after what the thread pools is freed.
 TEST(ObjectPool, ServesDocumentsThatOutliveIt) {
   ExpectToFreeAll([] {
-    static thread_local ExposedDirectory last;
+    static thread_local OpenDirectory last;
     last.AppendEntry(kLong, kLong);
   });
 }
