@@ -12,10 +12,6 @@ namespace phonebook::tests {
 
 namespace {
 
-bool StartsWith(const std::string& text, const std::string& prefix) {
-  return text.compare(0, prefix.size(), prefix) == 0;
-}
-
 TEST(Collation, OrdersNamesAsReadersExpect) {
   const std::vector<std::string> names = {
       "",         "_under",     "\"Quoted\"",     "100 Percent", "100% Cotton",
@@ -37,7 +33,7 @@ TEST(Collation, FindsWordsByTheirBeginnings) {
     EXPECT_FALSE(prefixes.empty()) << typed;
     return std::all_of(prefixes.begin(), prefixes.end(), [&](const auto& prefix) {
       return std::any_of(keys.begin(), keys.end(),
-                         [&](const auto& key) { return StartsWith(key, prefix); });
+                         [&](const auto& key) { return key.rfind(prefix, 0) == 0; });
     });
   };
   const std::map<std::string, std::vector<std::string>> found = {
@@ -94,14 +90,14 @@ TEST(Collation, ListsNamesUnderTheLettersOfReaders) {
     for (const auto& name : all) {
       const Letter letter = LetterOf(name, CollationKey(name));
       EXPECT_EQ(letter.label, label) << name;
-      EXPECT_TRUE(StartsWith(CollationKey(name), letter.key)) << name;
+      EXPECT_EQ(CollationKey(name).rfind(letter.key, 0), 0U) << name;
       EXPECT_TRUE(label.empty() || letter.key == PrefixKey(label)) << name;
     }
   }
   const std::string outdated = CollationKey("Zoe");
   const Letter none = LetterOf("Ben", outdated);
   EXPECT_EQ(none.label, "");
-  EXPECT_TRUE(!none.key.empty() && StartsWith(outdated, none.key));
+  EXPECT_TRUE(!none.key.empty() && outdated.rfind(none.key, 0) == 0);
 }
 
 }  // namespace

@@ -84,11 +84,11 @@ class Imports : public PhoneBook {
   std::string Contacts() const {
     std::string found;
     const auto session = Connect();
-    for (const auto& row : soci::rowset<soci::row>(
-             session->prepare << "SELECT CAST(id AS TEXT), name, telephone, department, key"
-                                 " FROM contacts WHERE is_indexed = TRUE ORDER BY id")) {
-      for (std::size_t i = 0; i < 5; ++i) found += (i == 0 ? "" : " ") + row.get<std::string>(i);
-      found += "\n";
+    for (const auto& contact : soci::rowset<std::string>(
+             session->prepare << "SELECT id || ' ' || name || ' ' || telephone || ' ' ||"
+                                 " department || ' ' || key FROM contacts"
+                                 " WHERE is_indexed = TRUE ORDER BY id")) {
+      found += contact + "\n";
     }
     return found;
   }

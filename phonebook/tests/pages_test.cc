@@ -88,7 +88,6 @@ void WalkAll(const ServerProcess& server, soci::session& session) {
       }
       waiting.insert(waiting.end(), addresses.begin(), addresses.end());
     }
-    EXPECT_GT(seen.size(), 2 * ids.size()) << home;
     const bool hasLetters = maker.path == "cisco" || maker.path == "yealink";
     EXPECT_EQ(found.size(), hasLetters ? ids.size() : 0) << home;
   }
@@ -157,9 +156,7 @@ TEST_P(PhoneBookOnSQLite, ServesValidHTML) {
 TEST_P(PhoneBookOnSQLite, SpeaksItsLanguageAlone) {
   const auto server = Serve({"--language", "de"});
   Texts paths = kPages;
-  for (const char* path : {"search?name=s", "search?name=nobody", "contact/0", "none"}) {
-    paths.emplace_back(path);
-  }
+  paths.insert(paths.end(), {"search?name=s", "search?name=nobody", "contact/0", "none"});
   std::set<std::string> found;
   for (const auto& maker : kMakers) {
     for (const auto& path : paths) {
@@ -236,12 +233,10 @@ TEST_P(PhoneBook, ServesWellFormedPagesOfHostileContacts) {
     shuffled += static_cast<char>('!' + i * i * 2654435761U / 65536 % 90);
   hostile.push_back(shuffled);
   // Letters of their own, though they are others with an accent, or without a dot.
-  for (const char* odd : {"Йод", "Яна", "أحمد", "يوسف", "ışık"}) hostile.emplace_back(odd);
+  hostile.insert(hostile.end(), {"Йод", "Яна", "أحمد", "يوسف", "ışık"});
   if (!isPostgreSQL) {  // which keeps such bytes out
-    for (const char* broken : {"\xff\xfe", "a\xc3", "b\xe2\x82", "\xed\xa0\x80", "caf\xe9"}) {
-      hostile.emplace_back(broken);
-    }
-    hostile.emplace_back(1000, '\x80');
+    hostile.insert(hostile.end(), {"\xff\xfe", "a\xc3", "b\xe2\x82", "\xed\xa0\x80", "caf\xe9",
+                                   std::string(1000, '\x80')});
   }
   Fill(hostile);
   const auto session = Connect();

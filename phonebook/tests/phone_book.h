@@ -165,19 +165,11 @@ class PhoneBook : public testing::TestWithParam<const char*> {
     });
   }
 
-  void RemoveDatabase() const {
-    if (isPostgreSQL) {
-      ASSERT_TRUE(cluster().Command("stop")) << cluster().reason;
-    } else {
-      fs::rename(database, database + ".away");
-    }
-  }
-  void RestoreDatabase() const {
-    if (isPostgreSQL) {
-      ASSERT_TRUE(cluster().Command("start")) << cluster().reason;
-    } else {
-      fs::rename(database + ".away", database);
-    }
+  void RemoveDatabase() const { Move("stop", database, database + ".away"); }
+  void RestoreDatabase() const { Move("start", database + ".away", database); }
+  void Move(const char* command, const std::string& from, const std::string& to) const {
+    if (!isPostgreSQL) return fs::rename(from, to);
+    ASSERT_TRUE(cluster().Command(command)) << cluster().reason;
   }
 
   TemporaryDirectory directory;

@@ -77,8 +77,8 @@ class Schema : public PhoneBook {
     while (store.IndexPending()) {
     }
     std::vector<long long> ids;
-    Selection selection;
-    for (const auto& key : WordKeys(name)) selection.words.push_back(key);
+    const auto words = WordKeys(name);
+    const Selection selection{"", {words.begin(), words.end()}};
     for (const auto& contact : store.ListContacts(selection, {}, 9).contacts) {
       ids.push_back(contact.id);
     }
