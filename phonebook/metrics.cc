@@ -2,22 +2,12 @@
 
 #include <prometheus/text_serializer.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace phonebook {
 
-namespace {
-
-constexpr std::size_t kFirstStatus = 200;
-constexpr std::size_t kStatusCount = 304;  // up to 503
-
-}  // namespace
-
-Metrics::Metrics(std::vector<std::string> theMakers, std::vector<std::string> thePages)
-    : makers(std::move(theMakers)),
-      pages(std::move(thePages)),
-      requests(prometheus::BuildCounter()
+Metrics::Metrics()
+    : requests(prometheus::BuildCounter()
                    .Name("phonebook_requests_total")
                    .Help("Requests answered.")
                    .Register(registry)),
@@ -27,19 +17,17 @@ Metrics::Metrics(std::vector<std::string> theMakers, std::vector<std::string> th
                 .Register(registry)
                 .Add({}, prometheus::Histogram::BucketBoundaries{.0001, .00025, .0005, .001, .0025,
                                                                  .005, .01, .025, .05, .1, .25, .5,
-                                                                 1., 2.5})),
-      counters(makers.size() * pages.size() * kStatusCount) {}
+                                                                 1., 2.5})) {}
 
 void Metrics::Count(const RequestLabels& labels, int status, Clock::duration time) noexcept {
-  const std::size_t maker = std::min(labels.maker, makers.size() - 1);
-  const std::size_t page = std::min(labels.page, pages.size() - 1);
-  const std::size_t index = static_cast<std::size_t>(status) - kFirstStatus;
-  auto& counter = counters[(maker * pages.size() + page) * kStatusCount + index];
+  const std::lock_guard lock(mutex);
+  auto& counter = counters[{labels.maker, labels.page, status}];
   if (counter == nullptr) {
-    counter = &requests.Add(
-        {{"maker", makers[maker]}, {"page", pages[page]}, {"status", std::to_string(status)}});
+    counter = &requests.Add({{"maker", std::string(labels.maker)},
+                             {"page", std::string(labels.page)},
+                             {"status", std::to_string(status)}});
   }
-  counter.load()->Increment();
+  counter->Increment();
   times.Observe(std::chrono::duration<double>(time).count());
 }
 

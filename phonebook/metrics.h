@@ -7,19 +7,20 @@
 #include <prometheus/histogram.h>
 #include <prometheus/registry.h>
 
-#include <atomic>
 #include <chrono>
-#include <cstddef>
+#include <map>
+#include <mutex>
 #include <string>
+#include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace phonebook {
 
-/// Which counters a request belongs to.
+/// The counter that a request belongs to. Both texts are among a few, and outlive the metrics.
 struct RequestLabels {
-  static constexpr std::size_t kOther = static_cast<std::size_t>(-1);
-  std::size_t maker = kOther;  ///< In the list of makers.
-  std::size_t page = kOther;   ///< In the list of pages.
+  std::string_view maker = "other";
+  std::string_view page = "other";
 };
 
 /// Counts requests. Callable from any thread.
@@ -34,8 +35,7 @@ class Metrics {
     double value;
   };
 
-  /// The last names are those of all others.
-  Metrics(std::vector<std::string> makers, std::vector<std::string> pages);
+  Metrics();
 
   /// Counts a response that took `time`.
   void Count(const RequestLabels& labels, int status, Clock::duration time) noexcept;
@@ -44,13 +44,12 @@ class Metrics {
   std::string Text(const std::vector<Gauge>& gauges) const;
 
  private:
-  std::vector<std::string> makers, pages;
   prometheus::Registry registry;
   prometheus::Family<prometheus::Counter>& requests;
   prometheus::Histogram& times;
-  // By maker, page and status, once they have counted: finding one in the family takes as long as
-  // a page.
-  std::vector<std::atomic<prometheus::Counter*>> counters;
+  std::mutex mutex;  // of the counters
+  // By maker, page and status: finding one in the family takes as long as a page.
+  std::map<std::tuple<std::string_view, std::string_view, int>, prometheus::Counter*> counters;
 };
 
 }  // namespace phonebook

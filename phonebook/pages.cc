@@ -330,13 +330,13 @@ const std::vector<Page>& AllPages() {
   return pages;
 }
 
-std::optional<std::size_t> FindPage(const std::vector<std::string>& path) {
+const Page* FindPage(const std::vector<std::string>& path) {
   const auto& pages = AllPages();
   const auto found = std::find_if(pages.begin(), pages.end(), [&](const Page& page) {
     return path.empty() ? page.path.empty()
                         : path.front() == page.path && path.size() <= (page.takesContact ? 2 : 1);
   });
-  return found == pages.end() ? std::nullopt : std::optional(found - pages.begin());
+  return found == pages.end() ? nullptr : &*found;
 }
 
 std::string HomeURI(const std::string& base, Maker maker) {

@@ -63,8 +63,8 @@ struct Page {
 };
 const std::vector<Page>& AllPages();
 
-/// The index in `AllPages` of the page at `path`, if there is one.
-std::optional<std::size_t> FindPage(const std::vector<std::string>& path);
+/// The page at `path`; null if there is none.
+const Page* FindPage(const std::vector<std::string>& path);
 
 /// The page that takes the place of another one. Its texts are English, and are translated.
 Document ComposeErrorPage(const PageRequest& request, const char* title, const std::string& reason);

@@ -14,6 +14,7 @@ namespace phonebook {
 namespace {
 
 using teleform::screens::AllMakers;
+using teleform::screens::FactsOf;
 using teleform::screens::PercentEncode;
 
 constexpr const char* kPlainText = "text/plain; charset=utf-8";
@@ -81,16 +82,6 @@ void Log(const Request& request, int status, const std::string& reason) {
                  Readable(reason, 300));
 }
 
-// Labels of metrics, of which the last one is that of all others.
-template <typename All, typename Name>
-std::vector<std::string> Labels(const All& all, Name name) {
-  std::vector<std::string> labels;
-  labels.reserve(all.size() + 1);
-  for (const auto& one : all) labels.emplace_back(name(one));
-  labels.emplace_back("other");
-  return labels;
-}
-
 }  // namespace
 
 std::string Addresses(const std::string& server) {
@@ -104,9 +95,6 @@ std::string Addresses(const std::string& server) {
 Server::Server(const std::string& database, ServerOptions theOptions)
     : options(std::move(theOptions)),
       preview(options.isPreviewOff ? std::map<std::string, Response>() : MakePreview()),
-      metrics(Labels(AllMakers(), [](const auto& facts) { return facts.slug; }),
-              Labels(AllPages(),
-                     [](const auto& page) { return page.path.empty() ? "home" : page.path; })),
       http({[this](Request request, ResponseCallback done) {
               Serve(std::move(request), std::move(done));
             },
@@ -117,10 +105,9 @@ Server::Server(const std::string& database, ServerOptions theOptions)
            {options.maxConnections, TrustedProxies(options.proxies)}),
       workers(database, options.databaseConnections) {
   http.CallEvery(std::chrono::milliseconds(20), [this] { workers.ExpireOverdue(); });
-  http.CallEvery(std::chrono::milliseconds(300), [this] { IndexPending(); });
+  http.CallEvery(std::chrono::milliseconds(300), [this] { Maintain(); });
   http.CallEvery(std::chrono::seconds(1), [this] {
     LogOmitted();
-    Probe();
     served = Metrics::Clock::now();
   });
 }
@@ -159,13 +146,14 @@ void Server::Serve(Request request, ResponseCallback respond) {
     done(std::move(*response));
     return;
   }
+  Query& query = std::get<Query>(result);
   const std::string client = request.client;
-  workers.Submit({std::get<Query>(std::move(result)),
+  workers.Submit({std::move(query.run),
                   [this, request = std::move(request), done = std::move(done)](
                       Response response, const std::exception_ptr& error) {
                     done(error ? Fail(request, error) : std::move(response));
                   },
-                  client, AllPages()[labels.page].isSearch});
+                  client, query.isLong});
 }
 
 // Returns the response, or the query that it takes.
@@ -180,18 +168,18 @@ std::variant<Response, Server::Query> Server::Dispatch(const Request& request,
   const auto asset = preview.find(parsed.target->path);
   if (asset != preview.end()) return asset->second;
   if (request.isCrossSite) throw HTTPError(403, StatusFactsOf(403).reason);
-  const auto found = FindPage(parsed.target->segments);
-  labels.page = found.value_or(labels.page);
-  if (parsed.maker) labels.maker = static_cast<std::size_t>(*parsed.maker);
-  if (!found) throw HTTPError(404, kNoPage);
+  if (parsed.maker) labels.maker = FactsOf(*parsed.maker).slug;
+  const Page* const found = FindPage(parsed.target->segments);
+  if (found == nullptr) throw HTTPError(404, kNoPage);
+  labels.page = found->path.empty() ? std::string_view("home") : found->path;
   if (!parsed.maker) return MakeResponse(200, kPlainText, Addresses(parsed.base));
-  auto page = AllPages()[*found].compose({*parsed.maker, std::move(parsed.base),
-                                          std::move(parsed.target->segments),
-                                          std::move(parsed.target->params), &options.pages});
+  auto page =
+      found->compose({*parsed.maker, std::move(parsed.base), std::move(parsed.target->segments),
+                      std::move(parsed.target->params), &options.pages});
   if (auto* document = std::get_if<Document>(&page)) return MakeResponse(200, **document);
-  return [compose = std::get<std::function<Document(Store&)>>(std::move(page))](Store& store) {
-    return MakeResponse(200, *compose(store));
-  };
+  return Query{[compose = std::get<std::function<Document(Store&)>>(std::move(page))](
+                   Store& store) { return MakeResponse(200, *compose(store)); },
+               found->isSearch};
 }
 
 // Returns the error page of an exception, and logs it.
@@ -248,10 +236,23 @@ bool Server::IsOwnHost(const std::string& host) const {
          std::find(hosts.begin(), hosts.end(), HostNameOf(host)) != hosts.end();
 }
 
-// Indexes what other programs have written, and goes on while contacts are pending.
-void Server::IndexPending() {
-  if (isIndexing.exchange(true)) return;
-  workers.Submit({[this](Store& store) {
+// Looks whether the database answers, and now and then how many contacts it has; indexes what other
+// programs have written, and goes on while contacts are pending.
+void Server::Maintain() {
+  constexpr std::chrono::seconds kCountInterval(15);  // as counting a million takes a while
+  if (isMaintaining.exchange(true)) return;
+  const auto now = Metrics::Clock::now();
+  const bool isCounting = now >= nextCount;
+  if (isCounting) nextCount = now + kCountInterval;
+  isAnswering = false;
+  workers.Submit({[this, isCounting](Store& store) {
+                    std::optional<ContactCounts> counts;
+                    if (isCounting) counts = store.CountContacts();
+                    if (!isCounting) store.FindContact(0);
+                    std::unique_lock lock(mutex);
+                    state = {"", counts.value_or(state.counts)};
+                    lock.unlock();
+                    isAnswering = true;
                     hasPending = store.IndexPending();
                     return Response{};
                   },
@@ -261,28 +262,11 @@ void Server::IndexPending() {
                       phonebook::Log(spdlog::level::err,
                                      "changed contacts are not indexed: " + reason);
                     }
-                    isIndexing = false;
-                    if (hasPending.exchange(false)) IndexPending();
-                  }});
-}
-
-// Looks whether the database answers, and now and then how many contacts it has.
-void Server::Probe() {
-  constexpr unsigned kCountEvery = 15;  // as counting a million takes a while
-  if (isProbing.exchange(true)) return;
-  const bool isCounting = probes++ % kCountEvery == 0;
-  workers.Submit({[this, isCounting](Store& store) {
-                    std::optional<ContactCounts> counts;
-                    if (isCounting) counts = store.CountContacts();
-                    if (!isCounting) store.FindContact(0);
-                    const std::lock_guard lock(mutex);
-                    state = {"", counts.value_or(state.counts)};
-                    return Response{};
-                  },
-                  [this](const Response&, const std::exception_ptr& error) {
-                    const std::lock_guard lock(mutex);
-                    if (error) state.failure = ReasonOf(error);
-                    isProbing = false;
+                    std::unique_lock lock(mutex);
+                    if (!isAnswering) state.failure = reason;
+                    lock.unlock();
+                    isMaintaining = false;
+                    if (hasPending.exchange(false)) Maintain();
                   }});
 }
 

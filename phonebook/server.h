@@ -61,7 +61,10 @@ class Server {
 
  private:
   // What is asked of the database.
-  using Query = std::function<Response(Store&)>;
+  struct Query {
+    std::function<Response(Store&)> run;
+    bool isLong = false;
+  };
 
   // A request, the client's maker and the URL that its links begin with.
   struct ParsedRequest {
@@ -84,8 +87,7 @@ class Server {
                   const std::string& cause = "") const;
   ParsedRequest Parse(const Request& request) const;
   bool IsOwnHost(const std::string& host) const;
-  void IndexPending();
-  void Probe();
+  void Maintain();
 
   ServerOptions options;
   std::string ownHost;
@@ -93,13 +95,13 @@ class Server {
   Metrics metrics;
   mutable std::mutex mutex;  // of the state
   DatabaseState state;
-  std::atomic<bool> isProbing = false;
-  unsigned probes = 0;
   std::atomic<Metrics::Clock::time_point> served = Metrics::Clock::now();
   HTTPServer http;
   WorkerPool workers;
-  std::atomic<bool> isIndexing = false;
-  std::string indexingFailure;  // the last one, which is logged once
+  std::atomic<bool> isMaintaining = false;
+  std::atomic<bool> isAnswering = false;  // the database, since the last look at it
+  Metrics::Clock::time_point nextCount;   // of contacts
+  std::string indexingFailure;            // the last one, which is logged once
   std::atomic<bool> hasPending = false;
 };
 
