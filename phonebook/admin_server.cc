@@ -1,11 +1,10 @@
 #include "phonebook/admin_server.h"
 
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <systemd/sd-daemon.h>
-#include <unistd.h>
 
 #include <algorithm>
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/local/datagram_protocol.hpp>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -19,6 +18,8 @@ namespace phonebook {
 
 namespace {
 
+using boost::asio::local::datagram_protocol;
+
 constexpr std::size_t kMaxConnections = 100;
 
 Response MakeResponse(int status, std::string body) {
@@ -27,20 +28,18 @@ Response MakeResponse(int status, std::string body) {
 
 // Sends a message to systemd. sd_notify() would wait while nobody reads the socket.
 // @return false when there is no room for it.
-bool Notify(std::string_view message) {
-  const char* const socketName = std::getenv("NOTIFY_SOCKET");
-  const std::string_view name = socketName == nullptr ? "" : socketName;
-  sockaddr_un address{};
-  if (name.empty() || name.size() > sizeof address.sun_path) return true;
-  address.sun_family = AF_UNIX;
-  name.copy(address.sun_path, name.size());
-  if (name.front() == '@') address.sun_path[0] = '\0';  // an abstract one
-  const int file = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
-  const bool isSent = sendto(file, message.data(), message.size(), MSG_DONTWAIT | MSG_NOSIGNAL,
-                             reinterpret_cast<const sockaddr*>(&address), size) >= 0;
-  close(file);
-  return isSent;
+bool Notify(std::string_view message) try {
+  const char* const name = std::getenv("NOTIFY_SOCKET");
+  std::string path = name == nullptr ? "" : name;
+  if (path.empty()) return true;
+  if (path.front() == '@') path.front() = '\0';  // an abstract one
+  boost::asio::io_context context;
+  datagram_protocol::socket socket(context, datagram_protocol());
+  socket.non_blocking(true);
+  socket.send_to(boost::asio::buffer(message), path);
+  return true;
+} catch (const boost::system::system_error&) {
+  return false;
 }
 
 }  // namespace

@@ -3,11 +3,10 @@
 #include <csv.h>
 
 #include <algorithm>
-#include <cctype>
+#include <boost/algorithm/string/predicate.hpp>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <new>
 #include <optional>
 #include <sstream>
@@ -27,10 +26,8 @@ using Fields = std::vector<std::string>;
 // The field of a column; null for other columns.
 ContactField FieldNamed(std::string name) {
   if (name.size() > 1 && name.front() == '"') name = name.substr(1, name.size() - 2);
-  std::transform(name.begin(), name.end(), name.begin(),
-                 [](unsigned char byte) { return static_cast<char>(std::tolower(byte)); });
   for (const auto& column : kColumns) {
-    if (column.name == name) return column.field;
+    if (boost::iequals(name, column.name)) return column.field;
   }
   return nullptr;
 }
@@ -105,10 +102,6 @@ class Reader {
       }
       contact.*columns[i] = std::move(fields[i]);
     }
-    Add(std::move(contact));
-  }
-
-  void Add(Contact contact) {
     for (const auto& column : kColumns) {
       const std::string& text = contact.*column.field;
       if (!IsUTF8(text)) return AddFault(first, "this is not UTF-8");

@@ -1,5 +1,7 @@
 #include "phonebook/http_server.h"
 
+#include <spdlog/fmt/chrono.h>
+
 #include <algorithm>
 #include <boost/asio/dispatch.hpp>
 #include <boost/asio/post.hpp>
@@ -157,13 +159,8 @@ void HTTPServer::AcceptPending() {
 
 const std::string& HTTPServer::Date() {
   const std::time_t now = std::time(nullptr);
-  if (now != dateTime) {
-    char text[64];
-    std::tm parts{};
-    gmtime_r(&now, &parts);
-    date.assign(text, std::strftime(text, sizeof text, "%a, %d %b %Y %H:%M:%S GMT", &parts));
-    dateTime = now;
-  }
+  if (now != dateTime) date = fmt::format("{:%a, %d %b %Y %H:%M:%S} GMT", fmt::gmtime(now));
+  dateTime = now;
   return date;
 }
 

@@ -14,6 +14,8 @@
 #include <memory>
 #include <thread>
 
+#include "phonebook/text.h"
+
 namespace phonebook {
 
 namespace {
@@ -116,17 +118,14 @@ struct AsyncLog {
 
 std::atomic<AsyncLog*> asyncLog = nullptr;
 
-// The beginning of a line that has room for the time and the level, at whole characters.
+// The beginning of a line.
 std::string Cleaned(std::string_view line) {
-  constexpr std::size_t kMaxSize = 950;
-  const auto isContinuation = [](char byte) { return (byte & 0xc0) == 0x80; };
-  std::size_t size = std::min(line.size(), kMaxSize);
-  while (size < line.size() && size > 0 && isContinuation(line[size])) --size;
-  std::string text(line.substr(0, size));
+  constexpr int kMaxCharacters = 950;
+  std::string text = TruncateToCharacters(line, kMaxCharacters);
   for (char& byte : text) {
     if ((byte >= 0 && byte < ' ') || byte == '\x7f') byte = ' ';
   }
-  return text + (size < line.size() ? "..." : "");
+  return text + (CountCharacters(line) > kMaxCharacters ? "..." : "");
 }
 
 }  // namespace

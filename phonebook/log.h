@@ -20,8 +20,8 @@ namespace phonebook {
 /// @throws std::system_error when the thread can't be created.
 void StartLog();
 
-/// Logs a line, of which at most 1 KiB is written. Control characters become spaces. Lines that
-/// exceed the queue are dropped and counted. May be called from any thread; never waits.
+/// Logs a line, of which at most 950 characters are written. Control characters become spaces.
+/// Lines that exceed the queue are dropped and counted. May be called from any thread; never waits.
 void Log(spdlog::level::level_enum level, std::string_view line);
 
 /// Logs a line about a request, unless there are too many from its client in this second.

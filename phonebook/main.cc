@@ -14,7 +14,6 @@
 #include <iostream>
 #include <optional>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -163,17 +162,9 @@ int main(int argc, char** argv) try {
   signal(SIGHUP, SIG_IGN);  // the terminal may close
   signal(SIGPIPE, SIG_IGN);
   signal(SIGXFSZ, SIG_IGN);  // the write fails
-  switch (options.command) {
-    case Options::Command::kImport:
-      Import(options, signals);
-      return 0;
-    case Options::Command::kBackUp:
-      BackUp(options, signals);
-      return 0;
-    case Options::Command::kServe:
-      break;
-  }
-  return Serve(options, signals);
+  if (options.command == Options::Command::kServe) return Serve(options, signals);
+  (options.command == Options::Command::kImport ? Import : BackUp)(options, signals);
+  return 0;
 } catch (const Stopped&) {
   return Fail(spdlog::level::warn, "stopped; the database is unchanged");
 } catch (const std::filesystem::filesystem_error& error) {

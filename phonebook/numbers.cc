@@ -2,6 +2,7 @@
 
 #include <phonenumbers/phonenumber.pb.h>
 #include <phonenumbers/phonenumberutil.h>
+#include <unicode/uchar.h>
 
 #include <algorithm>
 #include <iterator>
@@ -23,15 +24,11 @@ const PhoneNumberUtil& Library() {
   return library;
 }
 
-bool IsLetter(char character) {
-  return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
-}
-
 // Ends a text before a word: an extension or a comment.
 std::string_view WithoutWords(std::string_view text) {
   for (std::size_t i = 1; i < text.size(); ++i) {
     const bool beginsWord = std::string_view(" ;,(").find(text[i - 1]) != text.npos;
-    if (beginsWord && IsLetter(text[i])) return text.substr(0, i - 1);
+    if (beginsWord && u_isalpha(text[i]) != 0) return text.substr(0, i - 1);
   }
   return text;
 }
@@ -83,7 +80,7 @@ std::string ComposeDialString(const std::string& telephone, const std::string& r
   constexpr std::string_view kScheme = "tel:";
   std::string_view text = telephone;
   if (text.rfind(kScheme, 0) == 0) text.remove_prefix(kScheme.size());
-  if (text.empty() || IsLetter(text.front()) || text.find_first_of("@*#") != text.npos) {
+  if (text.empty() || u_isalpha(text.front()) != 0 || text.find_first_of("@*#") != text.npos) {
     return Compact(text).value_or(telephone);
   }
   text = WithoutSecondNumber(WithoutWords(text));
@@ -107,18 +104,12 @@ bool IsRegion(const std::string& region) {
 std::string DialString(const std::string& telephone, const std::string& region) {
   constexpr std::size_t kMaxSize = 64;  // of a text
   constexpr std::size_t kMaxCount = 8192;
-  struct Cache {
-    std::string region;
-    std::unordered_map<std::string, std::string> numbers;
-  };
-  thread_local Cache cache;
+  thread_local std::unordered_map<std::string, std::string> numbers;  // by region and telephone
   if (telephone.size() > kMaxSize) return ComposeDialString(telephone, region);
-  if (cache.region != region || cache.numbers.size() == kMaxCount) cache = {region, {}};
-  auto found = cache.numbers.find(telephone);
-  if (found == cache.numbers.end()) {
-    found = cache.numbers.emplace(telephone, ComposeDialString(telephone, region)).first;
-  }
-  return found->second;
+  if (numbers.size() == kMaxCount) numbers.clear();
+  std::string& number = numbers[region + " " + telephone];
+  if (number.empty()) number = ComposeDialString(telephone, region);
+  return number;
 }
 
 }  // namespace phonebook

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <functional>
 #include <utility>
 
 #include "phonebook/log.h"
@@ -131,7 +132,7 @@ bool Server::Run() {
 
 void Server::Serve(Request request, ResponseCallback respond) {
   RequestLabels labels;
-  std::variant<Response, Query> result;
+  std::variant<Response, Task> result;
   const auto begin = Metrics::Clock::now();
   try {
     result = Dispatch(request, labels);
@@ -146,19 +147,17 @@ void Server::Serve(Request request, ResponseCallback respond) {
     done(std::move(*response));
     return;
   }
-  Query& query = std::get<Query>(result);
-  const std::string client = request.client;
-  workers.Submit({std::move(query.run),
-                  [this, request = std::move(request), done = std::move(done)](
-                      Response response, const std::exception_ptr& error) {
-                    done(error ? Fail(request, error) : std::move(response));
-                  },
-                  client, query.isLong});
+  Task& task = std::get<Task>(result);
+  task.client = request.client;
+  task.done = [this, request = std::move(request), done = std::move(done)](
+                  Response response, const std::exception_ptr& error) {
+    done(error ? Fail(request, error) : std::move(response));
+  };
+  workers.Submit(std::move(task));
 }
 
-// Returns the response, or the query that it takes.
-std::variant<Response, Server::Query> Server::Dispatch(const Request& request,
-                                                       RequestLabels& labels) const {
+// Returns the response, or the task that it takes.
+std::variant<Response, Task> Server::Dispatch(const Request& request, RequestLabels& labels) const {
   if (request.method != "GET" && request.method != "HEAD") {
     throw HTTPError(405, StatusFactsOf(405).reason);
   }
@@ -177,9 +176,12 @@ std::variant<Response, Server::Query> Server::Dispatch(const Request& request,
       found->compose({*parsed.maker, std::move(parsed.base), std::move(parsed.target->segments),
                       std::move(parsed.target->params), &options.pages});
   if (auto* document = std::get_if<Document>(&page)) return MakeResponse(200, **document);
-  return Query{[compose = std::get<std::function<Document(Store&)>>(std::move(page))](
-                   Store& store) { return MakeResponse(200, *compose(store)); },
-               found->isSearch};
+  Task task;
+  task.run = [compose = std::get<std::function<Document(Store&)>>(std::move(page))](Store& store) {
+    return MakeResponse(200, *compose(store));
+  };
+  task.isLong = found->isSearch;
+  return task;
 }
 
 // Returns the error page of an exception, and logs it.
@@ -246,11 +248,12 @@ void Server::Maintain() {
   if (isCounting) nextCount = now + kCountInterval;
   isAnswering = false;
   workers.Submit({[this, isCounting](Store& store) {
-                    std::optional<ContactCounts> counts;
-                    if (isCounting) counts = store.CountContacts();
+                    std::optional<ContactCounts> counted;
+                    if (isCounting) counted = store.CountContacts();
                     if (!isCounting) store.FindContact(0);
                     std::unique_lock lock(mutex);
-                    state = {"", counts.value_or(state.counts)};
+                    databaseFailure.clear();
+                    counts = counted.value_or(counts);
                     lock.unlock();
                     isAnswering = true;
                     hasPending = store.IndexPending();
@@ -263,7 +266,7 @@ void Server::Maintain() {
                                      "changed contacts are not indexed: " + reason);
                     }
                     std::unique_lock lock(mutex);
-                    if (!isAnswering) state.failure = reason;
+                    if (!isAnswering) databaseFailure = reason;
                     lock.unlock();
                     isMaintaining = false;
                     if (hasPending.exchange(false)) Maintain();
@@ -278,22 +281,22 @@ bool Server::IsServing() const {
 std::string Server::Failure() const {
   if (!IsServing()) return "the serving thread hangs";
   const std::lock_guard lock(mutex);
-  return state.failure.empty() ? "" : "the database: " + state.failure;
+  return databaseFailure.empty() ? "" : "the database: " + databaseFailure;
 }
 
 std::string Server::MetricsText() {
   std::unique_lock lock(mutex);
-  const DatabaseState found = state;
+  const std::vector<Metrics::Gauge> gauges = {
+      {"phonebook_connections", "Open connections of clients.",
+       static_cast<double>(http.Connections())},
+      {"phonebook_queued_requests", "Requests that wait for a connection to the database.",
+       static_cast<double>(workers.Queued())},
+      {"phonebook_database_up", "Whether the database answers.", databaseFailure.empty() ? 1. : 0.},
+      {"phonebook_contacts", "Contacts.", static_cast<double>(counts.all)},
+      {"phonebook_contacts_not_indexed", "Contacts that are not indexed yet.",
+       static_cast<double>(counts.pending)}};
   lock.unlock();
-  return metrics.Text(
-      {{"phonebook_connections", "Open connections of clients.",
-        static_cast<double>(http.Connections())},
-       {"phonebook_queued_requests", "Requests that wait for a connection to the database.",
-        static_cast<double>(workers.Queued())},
-       {"phonebook_database_up", "Whether the database answers.", found.failure.empty() ? 1. : 0.},
-       {"phonebook_contacts", "Contacts.", static_cast<double>(found.counts.all)},
-       {"phonebook_contacts_not_indexed", "Contacts that are not indexed yet.",
-        static_cast<double>(found.counts.pending)}});
+  return metrics.Text(gauges);
 }
 
 }  // namespace phonebook

@@ -5,7 +5,6 @@
 #include <atomic>
 #include <cstddef>
 #include <exception>
-#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -60,12 +59,6 @@ class Server {
   bool IsServing() const;
 
  private:
-  // What is asked of the database.
-  struct Query {
-    std::function<Response(Store&)> run;
-    bool isLong = false;
-  };
-
   // A request, the client's maker and the URL that its links begin with.
   struct ParsedRequest {
     std::optional<Maker> maker;
@@ -74,14 +67,8 @@ class Server {
     std::optional<RequestTarget> target;  // whose segments are those behind the maker's
   };
 
-  // What the last look at the database found.
-  struct DatabaseState {
-    std::string failure;
-    ContactCounts counts;
-  };
-
   void Serve(Request request, ResponseCallback done);
-  std::variant<Response, Query> Dispatch(const Request& request, RequestLabels& labels) const;
+  std::variant<Response, Task> Dispatch(const Request& request, RequestLabels& labels) const;
   Response Fail(const Request& request, const std::exception_ptr& error) const;
   Response Refuse(const Request& request, int status, const std::string& reason,
                   const std::string& cause = "") const;
@@ -93,8 +80,9 @@ class Server {
   std::string ownHost;
   const std::map<std::string, Response> preview;  // by path
   Metrics metrics;
-  mutable std::mutex mutex;  // of the state
-  DatabaseState state;
+  mutable std::mutex mutex;  // of what the last look at the database found
+  std::string databaseFailure;
+  ContactCounts counts;
   std::atomic<Metrics::Clock::time_point> served = Metrics::Clock::now();
   HTTPServer http;
   WorkerPool workers;

@@ -5,14 +5,16 @@
 #include <uriparser/Uri.h>
 
 #include <algorithm>
-#include <boost/beast/core/string.hpp>
+#include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/trim.hpp>
 #include <utility>
 
 namespace phonebook {
 
 namespace {
 
-using boost::beast::iequals;
+using boost::iequals;
 using teleform::screens::PercentDecode;
 using teleform::screens::PercentEncode;
 
@@ -72,10 +74,7 @@ class URL {
       std::copy_n(uri.hostData.ip6->data, bytes.size(), bytes.begin());
       return "[" + boost::asio::ip::address_v6(bytes).to_string() + "]";
     }
-    std::string name = TextOf(uri.hostText);
-    for (char& character : name) {
-      if (character >= 'A' && character <= 'Z') character += 'a' - 'A';
-    }
+    std::string name = boost::to_lower_copy(TextOf(uri.hostText));
     if (name.back() == '.') name.pop_back();
     return uri.hostData.ipFuture.first == nullptr && IsHostName(name) ? name : "";
   }
@@ -161,9 +160,8 @@ std::optional<boost::asio::ip::address> IPAddressOf(const std::string& host) {
   auto address = boost::asio::ip::make_address(host, error);
   if (error) {
     const std::string name = HostNameOf(host).value_or("");
-    const bool isBracketed = !name.empty() && name.front() == '[';
     address =
-        boost::asio::ip::make_address(isBracketed ? name.substr(1, name.size() - 2) : name, error);
+        boost::asio::ip::make_address(boost::trim_copy_if(name, boost::is_any_of("[]")), error);
   }
   return error ? std::nullopt : std::optional(address);
 }

@@ -2,8 +2,6 @@
 // request byte by byte and reconnect when the server closes the connection.
 //
 // Usage: idle_clients PORT IDLE SLOW    prints "connected" when all idle connections are open
-#include <sys/resource.h>
-
 #include <algorithm>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/io_context.hpp>
@@ -40,10 +38,6 @@ void SendByte(SlowClient& client, const tcp::endpoint& server) {
 int main(int argc, char** argv) try {
   constexpr std::chrono::milliseconds kPause(200);
   if (argc != 4) return EXIT_FAILURE;
-  rlimit files{};
-  getrlimit(RLIMIT_NOFILE, &files);
-  files.rlim_cur = files.rlim_max;
-  setrlimit(RLIMIT_NOFILE, &files);
   boost::asio::io_context context(1);
   const tcp::endpoint server(boost::asio::ip::address_v4::loopback(),
                              static_cast<unsigned short>(std::atoi(argv[1])));

@@ -13,25 +13,19 @@ namespace phonebook {
 
 namespace {
 
-sqlite_api::sqlite3* FileOf(DatabaseConnection& connection) {
-  return static_cast<soci::sqlite3_session_backend*>(connection.session.get_backend())->conn_;
-}
-
 void Copy(DatabaseConnection& source, NewFile& copy, const std::function<void()>& report) {
   constexpr int kPages = 4096;  // in one step, which must not delay the end of the program
   DatabaseConnection target(copy.Path());
   target.Open();
   target.session << "PRAGMA journal_mode = OFF";
   int result = SQLITE_OK;
-  {
-    const std::unique_ptr<sqlite_api::sqlite3_backup, decltype(&sqlite_api::sqlite3_backup_finish)>
-        backup(sqlite_api::sqlite3_backup_init(FileOf(target), "main", FileOf(source), "main"),
-               &sqlite_api::sqlite3_backup_finish);
-    while (result == SQLITE_OK) {
-      result = sqlite_api::sqlite3_backup_step(backup.get(), kPages);
-      copy.Sync();  // or the last one would take long
-      report();
-    }
+  const std::unique_ptr<sqlite_api::sqlite3_backup, decltype(&sqlite_api::sqlite3_backup_finish)>
+      backup(sqlite_api::sqlite3_backup_init(target.File(), "main", source.File(), "main"),
+             &sqlite_api::sqlite3_backup_finish);
+  while (result == SQLITE_OK) {
+    result = sqlite_api::sqlite3_backup_step(backup.get(), kPages);
+    copy.Sync();  // or the last one would take long
+    report();
   }
   if (result != SQLITE_DONE) {
     throw DatabaseUnavailable(std::string("the backup: ") + sqlite_api::sqlite3_errstr(result));

@@ -2,12 +2,10 @@
 /// Statements that write many rows.
 #pragma once
 
-#include <libpq-fe.h>
 #include <soci/soci.h>
 
 #include <cstddef>
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,7 +25,7 @@ class BulkStatement {
 
   /// How a statement names its rows.
   struct Rows {
-    std::string values;   ///< As INSERT takes them.
+    std::string values;   ///< As INSERT takes them, behind the names of the fields.
     std::string table;    ///< As FROM takes them: the table `r`.
     std::string isAmong;  ///< Behind columns in parentheses: whether they are a row.
   };
@@ -49,24 +47,6 @@ class BulkStatement {
   std::size_t size = 0;
   std::vector<std::string> values;
   soci::statement statement;
-};
-
-/// An insertion of many rows, for which PostgreSQL has COPY: it takes a third of the time.
-class BulkInsert {
- public:
-  BulkInsert(soci::session& session, const Dialect& dialect, const std::string& table,
-             const std::vector<BulkStatement::Field>& fields);
-
-  /// Adds a row, as `BulkStatement` does.
-  void Add(const std::vector<std::string_view>& row);
-
-  /// @throws DatabaseUnavailable when PostgreSQL refuses the rows.
-  void Flush();
-
- private:
-  std::optional<BulkStatement> statement;  // of SQLite
-  PGconn* connection = nullptr;            // of PostgreSQL
-  std::string copy, lines;
 };
 
 }  // namespace phonebook

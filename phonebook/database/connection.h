@@ -39,6 +39,9 @@ class DatabaseConnection {
   /// without the rights.
   bool IsWritable();
 
+  /// The open SQLite file; null on PostgreSQL.
+  sqlite_api::sqlite3* File() const { return file; }
+
   const Dialect& dialect;
   soci::session session;
 

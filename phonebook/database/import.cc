@@ -17,22 +17,10 @@ namespace phonebook {
 
 namespace {
 
-// Calls the reporter after every so many small steps.
-class Progress {
- public:
-  explicit Progress(const ImportReporter& theReport) : report(theReport) {}
-  void Step() {
-    constexpr std::size_t kStepsOfReport = 10000;
-    if (++steps % kStepsOfReport == 0) report(done, total);
-  }
+constexpr std::size_t kStepsOfReport = 10000;
 
-  std::size_t done = 0;
-  std::size_t total = 1;
-
- private:
-  const ImportReporter& report;
-  std::size_t steps = 0;
-};
+// Called for each small step.
+using Step = std::function<void()>;
 
 struct StoredContact {
   long long id = 0;
@@ -52,13 +40,7 @@ struct Row {
 
 std::size_t HashOf(const std::string& keys) { return std::hash<std::string>()(keys); }
 
-bool HasOtherText(const Row& row) {
-  return std::any_of(kColumns.begin(), kColumns.end(), [&](const Column& column) {
-    return row.contact.*column.field != row.stored->contact.*column.field;
-  });
-}
-
-std::vector<StoredContact> ReadStored(soci::session& session, Progress& progress) {
+std::vector<StoredContact> ReadStored(soci::session& session, const Step& step) {
   StoredContact row;
   std::string keys, columns;
   soci::statement statement(session);
@@ -77,22 +59,22 @@ std::vector<StoredContact> ReadStored(soci::session& session, Progress& progress
   while (statement.fetch()) {
     row.hashOfKeys = HashOf(keys);
     rows.push_back(row);
-    progress.Step();
+    step();
   }
   return rows;
 }
 
 // In the order of their names, in which a page reads them.
-std::vector<Row> MakeRows(std::vector<Contact> contacts, Progress& progress) {
+std::vector<Row> MakeRows(std::vector<Contact> contacts, const Step& step) {
   std::vector<Row> rows;
   rows.reserve(contacts.size());
   for (auto& contact : contacts) {
     rows.push_back({{}, CollationKey(contact.name), AllKeys(contact)});
     rows.back().contact = std::move(contact);
-    progress.Step();
+    step();
   }
   std::stable_sort(rows.begin(), rows.end(), [&](const Row& a, const Row& b) {
-    progress.Step();
+    step();
     return a.collationKey < b.collationKey;
   });
   return rows;
@@ -101,17 +83,17 @@ std::vector<Row> MakeRows(std::vector<Contact> contacts, Progress& progress) {
 // Matches contacts for which `identity` is the same, and not empty.
 using Identity = std::string (*)(const Contact&);
 void MatchBy(Identity identity, bool withKeys, std::vector<StoredContact>& stored,
-             std::vector<Row>& rows, Progress& progress) {
+             std::vector<Row>& rows, const Step& step) {
   std::multimap<std::string, StoredContact*> others;
   for (auto& one : stored) {
     const bool isCandidate = !one.isMatched && (withKeys || one.contact.key.empty());
     if (isCandidate) others.emplace(identity(one.contact), &one);
-    progress.Step();
+    step();
   }
   others.erase("");
   if (others.empty()) return;
   for (auto& row : rows) {
-    progress.Step();
+    step();
     if (row.stored != nullptr) continue;
     const auto found = others.find(identity(row.contact));
     if (found == others.end()) continue;
@@ -121,10 +103,10 @@ void MatchBy(Identity identity, bool withKeys, std::vector<StoredContact>& store
   }
 }
 
-void Match(std::vector<StoredContact>& stored, std::vector<Row>& rows, Progress& progress) {
+void Match(std::vector<StoredContact>& stored, std::vector<Row>& rows, const Step& step) {
   const bool haveKeys = std::any_of(rows.begin(), rows.end(),
                                     [](const Row& row) { return !row.contact.key.empty(); });
-  MatchBy([](const Contact& c) { return c.key; }, true, stored, rows, progress);
+  MatchBy([](const Contact& c) { return c.key; }, true, stored, rows, step);
   // What two contacts have in common that are the same; the first ones count most.
   constexpr Identity kIdentities[] = {
       [](const Contact& c) { return c.name + '\0' + c.telephone + '\0' + c.department; },
@@ -133,7 +115,7 @@ void Match(std::vector<StoredContact>& stored, std::vector<Row>& rows, Progress&
       [](const Contact& c) { return c.name; },
   };
   // Where contacts have keys, a stored one with another key is somebody else.
-  for (const Identity identity : kIdentities) MatchBy(identity, !haveKeys, stored, rows, progress);
+  for (const Identity identity : kIdentities) MatchBy(identity, !haveKeys, stored, rows, step);
   std::unordered_set<long long> used;
   for (const auto& one : stored) used.insert(one.id);
   auto last = static_cast<long long>(stored.size());
@@ -155,7 +137,9 @@ Differences Compare(const std::vector<StoredContact>& stored, std::vector<Row>& 
       ++differences.added;
       continue;
     }
-    const bool isChanged = HasOtherText(row);
+    const bool isChanged = std::any_of(kColumns.begin(), kColumns.end(), [&](const auto& column) {
+      return row.contact.*column.field != row.stored->contact.*column.field;
+    });
     if (isChanged) ++differences.changed;
     row.isWritten = isChanged || row.stored->hashOfKeys != HashOf(row.collationKey + row.allKeys);
   }
@@ -165,7 +149,7 @@ Differences Compare(const std::vector<StoredContact>& stored, std::vector<Row>& 
 
 void WriteContacts(soci::session& session, const Dialect& dialect,
                    const std::vector<StoredContact>& stored, const std::vector<Row>& rows,
-                   Progress& progress) {
+                   const ImportReporter& report) {
   using Rows = BulkStatement::Rows;
   std::vector<BulkStatement::Field> fields = {{"id", "BIGINT"}};
   BulkStatement remove(session, dialect, fields, [](const Rows& removed) {
@@ -184,14 +168,16 @@ void WriteContacts(soci::session& session, const Dialect& dialect,
            " WHERE contacts.id = r.id";
   });
   fields.push_back({"is_indexed", "BOOLEAN"});
-  BulkInsert insert(session, dialect, "contacts", fields);
+  BulkStatement insert(session, dialect, fields,
+                       [](const Rows& added) { return "INSERT INTO contacts " + added.values; });
 
   for (const auto& one : stored) {
     if (!one.isMatched) remove.Add({std::to_string(one.id)});
   }
+  std::size_t done = 0;
   for (const auto& row : rows) {
-    ++progress.done;
-    progress.Step();
+    // The search keys take as long.
+    if (++done % kStepsOfReport == 0) report(done, 2 * rows.size());
     if (!row.isWritten) continue;
     const std::string id = std::to_string(row.id);
     std::vector<std::string_view> values = {id};
@@ -209,61 +195,40 @@ void WriteContacts(soci::session& session, const Dialect& dialect,
   insert.Flush();
 }
 
-// Search keys and the rows that they belong to, in the order of their index.
-using SearchKeyRows = std::vector<std::pair<std::string, const Row*>>;
-SearchKeyRows SortedSearchKeys(const std::vector<Row>& rows, Progress& progress) {
-  SearchKeyRows keys;
-  for (const auto& row : rows) {
-    for (auto& key : SearchKeys(row.allKeys, row.collationKey)) {
-      keys.emplace_back(std::move(key), &row);
-    }
-    progress.Step();
-  }
-  std::sort(keys.begin(), keys.end(), [&](const auto& a, const auto& b) {
-    progress.Step();
-    return a < b;
-  });
-  return keys;
-}
-
 // All anew: in the order of the index this takes less time than to find those of some contacts.
-void WriteSearchKeys(soci::session& session, const Dialect& dialect, const SearchKeyRows& keys,
-                     Progress& progress) {
+void WriteSearchKeys(soci::session& session, const Dialect& dialect) {
   for (const char* table : {"search_keys", "removed_contacts"}) session << "DELETE FROM " << table;
-  BulkInsert insert(
-      session, dialect, "search_keys",
-      {{"key", "TEXT"}, {"collation_key", "TEXT"}, {"contact", "BIGINT"}, {"all_keys", "TEXT"}});
-  for (const auto& [key, row] : keys) {
-    insert.Add({key, row->collationKey, std::to_string(row->id), row->allKeys});
-    ++progress.done;
-    progress.Step();
-  }
-  insert.Flush();
+  session << "INSERT INTO search_keys (key, collation_key, contact, all_keys)"
+             " SELECT w.value, collation_key, contacts.id, all_keys FROM contacts, "
+          << dialect.wordKeys
+          << " WHERE substr(collation_key, 1, length(w.value)) <> w.value"
+             " ORDER BY w.value, collation_key, contacts.id";
 }
 
 }  // namespace
 
 Differences Import(soci::session& session, const Dialect& dialect, std::vector<Contact> contacts,
                    ImportMode mode, const ImportReporter& report) {
-  Progress progress(report);
+  std::size_t steps = 0;
+  const Step step = [&] {
+    if (++steps % kStepsOfReport == 0) report(0, 1);
+  };
   for (const auto& sql : dialect.beforeImport) session << sql;
-  auto stored = ReadStored(session, progress);
-  auto rows = MakeRows(std::move(contacts), progress);
-  Match(stored, rows, progress);
+  auto stored = ReadStored(session, step);
+  auto rows = MakeRows(std::move(contacts), step);
+  Match(stored, rows, step);
   const Differences differences = Compare(stored, rows);
   if (mode != ImportMode::kForce && differences.removed > stored.size() / 2) {
     throw std::runtime_error("this would remove " + std::to_string(differences.removed) + " of " +
                              std::to_string(stored.size()) + " contacts; --force does it");
   }
-  const auto keys = SortedSearchKeys(rows, progress);
-  progress.total = rows.size() + keys.size();
-  WriteContacts(session, dialect, stored, rows, progress);
+  WriteContacts(session, dialect, stored, rows, report);
   const bool isAnyWritten =
       std::any_of(rows.begin(), rows.end(), [](auto& r) { return r.isWritten; });
-  if (isAnyWritten || differences.removed > 0) WriteSearchKeys(session, dialect, keys, progress);
+  if (isAnyWritten || differences.removed > 0) WriteSearchKeys(session, dialect);
   for (const auto& sql : dialect.afterImport) {
     session << sql;
-    report(progress.done, progress.total);
+    report(1, 1);
   }
   return differences;
 }

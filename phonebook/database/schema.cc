@@ -84,6 +84,10 @@ Dialect MakeSQLite() {
   sqlite.keyType = "TEXT";
   sqlite.contactType = "INTEGER";
   sqlite.searchKeysEnd = ", PRIMARY KEY (key, collation_key, contact)) WITHOUT ROWID";
+  // A key has characters up to U+00FF, and JSON has escapes for the mark.
+  sqlite.wordKeys =
+      R"(json_each('[' || replace(json_quote(replace(substr(all_keys, 2), char(1), char(256))),
+                                  char(256), '","') || ']') w)";
   const std::string count = "SELECT count(*) FROM sqlite_master WHERE name = :name AND type = ";
   sqlite.countTables = count + "'table'";
   sqlite.countTriggers = count + "'trigger' AND tbl_name = 'contacts'";
@@ -138,6 +142,7 @@ Dialect MakePostgreSQL() {
   postgresql.keyType = "TEXT COLLATE \"C\"";
   postgresql.contactType = "BIGINT";
   postgresql.searchKeysEnd = ")";
+  postgresql.wordKeys = "unnest(string_to_array(substr(all_keys, 2), chr(1))) w (value)";
   postgresql.onContacts = " ON contacts";
   postgresql.countTables =
       "SELECT count(*) FROM pg_tables WHERE schemaname = current_schema() AND tablename = :name";
@@ -191,13 +196,6 @@ void CreateVersion(soci::session& session, const Dialect& dialect) {
 }
 
 }  // namespace
-
-std::string ColumnNames() {
-  std::string names;
-  for (const auto& column : kColumns)
-    names += (names.empty() ? "" : ", ") + std::string(column.name);
-  return names;
-}
 
 const Dialect& DialectOf(const std::string& database) {
   static const Dialect sqlite = MakeSQLite();

@@ -25,9 +25,6 @@ namespace phonebook {
 /// The version that this program creates and reads. The shape without a version is version 1.
 constexpr int kSchemaVersion = 4;
 
-/// The names of `kColumns`, separated by commas.
-std::string ColumnNames();
-
 /// A trigger or an index, and how it is created.
 struct SchemaObject {
   std::string name;
@@ -44,6 +41,7 @@ struct Dialect {
   std::string lockTimeout;  ///< Bounds the wait of an upgrade for other clients.
   std::string idType, keyType, contactType;  ///< Of columns.
   std::string searchKeysEnd;                 ///< Of the definition of the table.
+  std::string wordKeys;                      ///< Those of a contact: the table `w (value)`.
   std::string isWritable;                    ///< Whether the role may index; 0 or 1.
   std::string onContacts;                    ///< Behind the name of a trigger to drop.
   /// @name How many there are of `:name`

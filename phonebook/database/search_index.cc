@@ -43,7 +43,7 @@ std::string DeleteKeysSQL(const Rows& rows) {
   return "DELETE FROM search_keys WHERE (key, collation_key, contact) " + rows.isAmong;
 }
 std::string InsertKeysSQL(const Rows& rows) {
-  return "INSERT INTO search_keys (key, collation_key, contact, all_keys) " + rows.values +
+  return "INSERT INTO search_keys " + rows.values +
          " ON CONFLICT (key, collation_key, contact) DO UPDATE SET all_keys = excluded.all_keys";
 }
 std::string MarkIndexedSQL(const Rows& rows) {
@@ -58,18 +58,7 @@ std::string DeleteRemovedSQL(const Rows& rows) {
   return "DELETE FROM removed_contacts WHERE (id) " + rows.isAmong;
 }
 
-}  // namespace
-
-std::string AllKeys(const Contact& contact) {
-  std::set<std::string> keys;
-  for (const auto& column : kColumns) {
-    if (column.isSearched) keys.merge(WordKeys(contact.*column.field));
-  }
-  std::string allKeys;
-  for (const auto& key : keys) allKeys += kWordMark + key;
-  return allKeys;
-}
-
+// Those of `allKeys` with which the collation key doesn't begin: an index on it finds the others.
 std::vector<std::string> SearchKeys(const std::string& allKeys, const std::string& collationKey) {
   constexpr std::size_t kMaxKeys = 2000;  // more than a contact has; other programs may write any
   std::vector<std::string> keys;
@@ -80,6 +69,18 @@ std::vector<std::string> SearchKeys(const std::string& allKeys, const std::strin
     begin = end;
   }
   return keys;
+}
+
+}  // namespace
+
+std::string AllKeys(const Contact& contact) {
+  std::set<std::string> keys;
+  for (const auto& column : kColumns) {
+    if (column.isSearched) keys.merge(WordKeys(contact.*column.field));
+  }
+  std::string allKeys;
+  for (const auto& key : keys) allKeys += kWordMark + key;
+  return allKeys;
 }
 
 SearchIndexer::PendingQuery::PendingQuery(soci::session& session, const std::string& sql)

@@ -21,9 +21,6 @@ namespace phonebook {
 /// The word keys of all searched columns, each after a `kWordMark`.
 std::string AllKeys(const Contact& contact);
 
-/// Those of `allKeys` with which the collation key doesn't begin: an index on it finds the others.
-std::vector<std::string> SearchKeys(const std::string& allKeys, const std::string& collationKey);
-
 /// A row of `contacts` that another program has written, or of `removed_contacts`.
 struct PendingContact {
   long long id = 0;       ///< Of the row.

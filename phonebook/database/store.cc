@@ -9,6 +9,7 @@
 #include <cstring>
 #include <exception>
 #include <future>
+#include <regex>
 #include <utility>
 
 #include "phonebook/database/connection.h"
@@ -23,9 +24,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr const char* kSchemeCharacters =
-    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789+.-";
-
 constexpr const char* kSampleNotices =
     "INSERT INTO notices (name, text) VALUES"
     " ('message', 'Lunch today: soup & bread.\nThe canteen is open from 11:30 to 14:00.'),"
@@ -33,11 +31,8 @@ constexpr const char* kSampleNotices =
 
 // Refuses what is neither a path nor a URI of PostgreSQL, without repeating what may be a password.
 void ExpectPath(const std::string& database) {
-  const auto scheme = database.find("://");
-  const bool isURI = scheme != 0 && scheme != database.npos &&
-                     database.find_first_not_of(kSchemeCharacters) == scheme;
-  const bool isPath = !isURI && !database.empty() && database.find("password=") == database.npos;
-  if (isPath) return;
+  const std::regex others("^$|^[A-Za-z0-9+.-]+://|password=");
+  if (!std::regex_search(database, others)) return;
   throw std::runtime_error(
       "the database must be the path of a file, or a URI that begins with postgresql://");
 }

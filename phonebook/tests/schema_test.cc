@@ -87,14 +87,14 @@ class Schema : public PhoneBook {
 };
 
 TEST(SchemaVersions, KeepTheirColumns) {
-  std::string versions;
+  std::string versions, names;
   for (const auto& column : kColumns) {
     versions += std::string(column.name) + " " + std::to_string(column.since) + "\n";
+    names += std::string(", ") + column.name;
   }
   EXPECT_EQ(versions, "name 1\ntelephone 1\ndepartment 1\nkey 4\n");
-  EXPECT_NE(
-      ContentOf(DOCUMENTATION "phonebook-running.md").find("contacts (id, " + ColumnNames() + ")"),
-      std::string::npos);
+  EXPECT_NE(ContentOf(DOCUMENTATION "phonebook-running.md").find("contacts (id" + names + ")"),
+            std::string::npos);
 }
 
 TEST_P(Schema, IsUpgradedOnceByServersStartedTogether) {
