@@ -27,7 +27,7 @@ Response MakeResponse(int status, std::string body) {
 }
 
 // Sends a message to systemd. sd_notify() would wait while nobody reads the socket.
-// @return false when there is no room for it.
+// @return false when it is not sent, as there is no room for it.
 bool Notify(std::string_view message) try {
   const char* const name = std::getenv("NOTIFY_SOCKET");
   std::string path = name == nullptr ? "" : name;
@@ -38,7 +38,7 @@ bool Notify(std::string_view message) try {
   socket.non_blocking(true);
   socket.send_to(boost::asio::buffer(message), path);
   return true;
-} catch (const boost::system::system_error&) {
+} catch (...) {
   return false;
 }
 

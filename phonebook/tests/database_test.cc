@@ -1,8 +1,6 @@
 // A database that is unavailable, hangs, is lost or can't be used.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
 #include <boost/asio.hpp>
 #include <cstdlib>
@@ -188,20 +186,6 @@ TEST_P(PhoneBookOnPostgreSQL, KeepsTheSettingsOfItsURIAndUTF8) {
   *Connect() << "CREATE SCHEMA book";
   EXPECT_EQ(FailureOf(database + "&client_encoding=LATIN1&options=-csearch_path%3Dbook"), "");
   EXPECT_EQ(Count("book.contacts WHERE length(name) = 1"), 1);
-}
-
-TEST_P(PhoneBookOnPostgreSQL, IsUnavailableWithoutDescriptors) {
-  EXPECT_EQ(FailureOf(database), "");
-  rlimit old{};
-  getrlimit(RLIMIT_NOFILE, &old);
-  const int next = dup(STDERR_FILENO);
-  close(next);
-  // One for the connection, and none for its duplicate.
-  const rlimit low{static_cast<rlim_t>(next) + 1, old.rlim_max};
-  setrlimit(RLIMIT_NOFILE, &low);
-  const std::string failure = FailureOf(database);
-  setrlimit(RLIMIT_NOFILE, &old);
-  EXPECT_NE(failure.find("Too many open files"), failure.npos) << failure;
 }
 
 TEST_P(PhoneBookOnPostgreSQL, LogsOnceWhatARoleMayNot) {

@@ -1,6 +1,5 @@
 // Files of contacts, and imports into a phone book that is being read.
 #include <gtest/gtest.h>
-#include <soci/soci.h>
 
 #include <cstdlib>
 #include <fstream>

@@ -2,7 +2,6 @@
 #include "phonebook/pages.h"
 
 #include <gtest/gtest.h>
-#include <soci/soci.h>
 
 #include <algorithm>
 #include <array>

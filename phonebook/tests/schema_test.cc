@@ -2,7 +2,6 @@
 #include "phonebook/database/schema.h"
 
 #include <gtest/gtest.h>
-#include <soci/soci.h>
 
 #include <filesystem>
 #include <future>

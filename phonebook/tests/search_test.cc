@@ -1,6 +1,7 @@
 // Searches, and the order of the directory.
 #include <gtest/gtest.h>
 #include <teleform/screens/escape.h>
+#include <unicode/unistr.h>
 
 #include <algorithm>
 #include <map>
@@ -110,6 +111,24 @@ TEST_P(PhoneBook, LooksForCommonWordsInSteps) {
   *Connect() << "DELETE FROM contacts WHERE id BETWEEN 6952 AND 6990";
   const Selection green{"", {*WordKeys("green").begin()}};
   EXPECT_EQ(Store(database).ListContacts(green, {}, 20).contacts.size(), 10U);
+}
+
+TEST_P(PhoneBook, ImportsTheSearchKeysThatIndexingMakes) {
+  std::vector<Contact> contacts;
+  for (UChar32 character = '!'; character < 0x3100; character += 4) {
+    std::string text;
+    icu::UnicodeString(character).toUTF8String(text);
+    contacts.push_back({"A " + text + "x", "1", text + "y a"});
+  }
+  EXPECT_EQ(FailureOf(database, contacts), "");
+  for (const char* sql : {"CREATE TABLE imported AS SELECT * FROM search_keys",
+                          "DELETE FROM search_keys", "UPDATE contacts SET is_indexed = FALSE"}) {
+    *Connect() << sql;
+  }
+  const auto server = Serve();
+  EXPECT_TRUE(IsIndexed());
+  EXPECT_EQ(Count("search_keys"), Count("imported"));
+  EXPECT_EQ(Count("(SELECT * FROM imported EXCEPT SELECT * FROM search_keys) d"), 0);
 }
 
 TEST_P(PhoneBook, ListsChangedNamesInTheirOldOrderUntilTheyAreIndexed) {

@@ -14,7 +14,6 @@ TEST(URL, ParsesRequestTargets) {
   const std::map<std::string, RequestTarget> cases = {
       {"/snom/dire%63tory", {"", "/snom/dire%63tory", {"snom", "directory"}, {}}},
       {"//snom//a/", {"", "//snom//a/", {"snom", "a"}, {}}},
-      {"/", {"", "/", {}, {}}},
       {"/../a", {"", "/../a", {"..", "a"}, {}}},
       {"/a+b%00c", {"", "/a+b%00c", {std::string("a+b\0c", 5)}, {}}},
       {"/s?na%6de=a%2bb+c&name=d", {"", "/s", {"s"}, {{"name", "a+b c"}}}},
@@ -41,9 +40,7 @@ TEST(URL, ParsesRequestTargets) {
 TEST(URL, TellsHostNames) {
   const std::string longest(63, 'a');
   const std::map<std::string, std::string> expected = {
-      {"a", "a"},
       {"Phone-Book.EXAMPLE.:8080", "phone-book.example"},
-      {"127.0.0.1", "127.0.0.1"},
       {"4a.5b", "4a.5b"},
       {"[0:0::1]:80", "[::1]"},
       {"a:", "a"},
