@@ -21,7 +21,7 @@ Metrics::Metrics()
 
 void Metrics::Count(const RequestLabels& labels, int status, Clock::duration time) noexcept {
   const std::lock_guard lock(mutex);
-  auto& counter = counters[{labels.maker, labels.page, status}];
+  auto& counter = counters[{status, labels.maker.data(), labels.page.data()}];
   if (counter == nullptr) {
     counter = &requests.Add({{"maker", std::string(labels.maker)},
                              {"page", std::string(labels.page)},

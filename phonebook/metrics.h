@@ -17,7 +17,7 @@
 
 namespace phonebook {
 
-/// The counter that a request belongs to. Both texts are among a few, and outlive the metrics.
+/// The counter that a request belongs to. Both names are among a few, and outlive the metrics.
 struct RequestLabels {
   std::string_view maker = "other";
   std::string_view page = "other";
@@ -48,8 +48,8 @@ class Metrics {
   prometheus::Family<prometheus::Counter>& requests;
   prometheus::Histogram& times;
   std::mutex mutex;  // of the counters
-  // By maker, page and status: finding one in the family takes as long as a page.
-  std::map<std::tuple<std::string_view, std::string_view, int>, prometheus::Counter*> counters;
+  // By status and where the names are, as finding one in the family takes as long as a page.
+  std::map<std::tuple<int, const char*, const char*>, prometheus::Counter*> counters;
 };
 
 }  // namespace phonebook

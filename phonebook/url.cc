@@ -6,15 +6,15 @@
 
 #include <algorithm>
 #include <boost/algorithm/string/case_conv.hpp>
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
+#include <boost/beast/core/string.hpp>
 #include <utility>
 
 namespace phonebook {
 
 namespace {
 
-using boost::iequals;
+using boost::beast::iequals;
 using teleform::screens::PercentDecode;
 using teleform::screens::PercentEncode;
 
