@@ -228,7 +228,7 @@ Differences Import(soci::session& session, const Dialect& dialect, std::vector<C
   if (isAnyWritten || differences.removed > 0) WriteSearchKeys(session, dialect);
   for (const auto& sql : dialect.afterImport) {
     session << sql;
-    report(1, 1);
+    report(2 * rows.size(), 2 * rows.size());
   }
   return differences;
 }
