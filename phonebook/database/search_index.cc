@@ -117,6 +117,8 @@ bool SearchIndexer::IndexPending(std::chrono::milliseconds limit) {
   if (findRemoved.Run().empty() && findChanged.Run().empty()) return false;
   const auto end = Clock::now() + limit;
   Transaction transaction(session, dialect);
+  // Locks the table before rows: an import, which has locked it, would wait for these rows.
+  session << "UPDATE contacts SET is_indexed = FALSE WHERE FALSE";
   // Removed contacts first: others may reuse their ids.
   const bool hasMoreRemoved = ForEach(lockRemoved, &SearchIndexer::Remove, end);
   const bool hasMoreChanged = ForEach(lockChanged, &SearchIndexer::Index, end);
